@@ -1,0 +1,1 @@
+# Headers, library, package files, host and man page.
