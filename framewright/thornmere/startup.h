@@ -1,14 +1,13 @@
 // How the library comes to life, and how it goes. There is no call to open or close it.
 //
-//   load stage   the static initialisers of the source files run, in the order in which the files are linked.
-//   Each
-//                file first declares, by triggers, the set-up routines that it depends on; a trigger only
-//                marks its routine's record, since the globals that the routine works on may not be built yet
-//   set-up       the last static initialiser runs every marked routine with false, once each, in the order of
-//                one table
+//   load stage   the static initialisers of the source files run, in the order in which the files are linked;
+//                each file first declares, by triggers, the set-up routines that it depends on. A trigger
+//                only marks its routine's record: the globals that the routine works on may not be built yet
+//   set-up       the last static initialiser runs every marked routine with false, once each, in the order
+//                of one table
 //   service      hosts call
-//   shut-down    before the first static destructor, at unload or at exit: the same routines with true,
-//   backwards
+//   shut-down    before the first static destructor, at unload or at exit: the same routines with true, in
+//                reverse
 //
 // All of it happens on the thread that loads or unloads the library, and nothing locks.
 #pragma once
