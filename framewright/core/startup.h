@@ -7,6 +7,7 @@
 #pragma once
 
 #include <span>
+#include <vector>
 
 #include "framewright/thornmere/startup.h"
 
@@ -41,6 +42,15 @@ SR_STARTUP_ROUTINE(SrInitSfQuickTime);
 SR_STARTUP_ROUTINE(SrRegisterAvi);
 /// Enters the BMP recognizer and its names.
 SR_STARTUP_ROUTINE(SrRegisterBmp);
+
+/// The names of the routines that set-up ran, in the order in which they ran. Empty when set-up failed.
+FRAMEWRIGHT_EXPORT std::vector<char const*> SrGetInitializerNames();
+
+/// 0 when the library is in service, else the error code with which set-up failed. A failed set-up cannot be
+/// an exception, since loading a library has nobody to catch it: what had been set up is taken back, and the
+/// library stays loaded with empty registries and without media manager and colour tables. A host that loads
+/// it while memory is short asks here before anything else.
+FRAMEWRIGHT_EXPORT long SrGetStartupError();
 
 namespace core {
 

@@ -12,9 +12,7 @@
 // All of it happens on the thread that loads or unloads the library, and nothing locks.
 #pragma once
 
-#include <cstddef>
 #include <span>
-#include <vector>
 
 #include "framewright/thornmere/export.h"
 
@@ -75,18 +73,9 @@ struct StStartupRow {
     char const* needs;  ///< the routines that must have run before, by name, separated by one space
 };
 
-/// Runs the routines of all marked rows with false, in order. If one throws, it and those before it are run
-/// with true, backwards, and the exception goes on.
-FRAMEWRIGHT_EXPORT void SrRunSetUp(std::span<StStartupRow const> rows);
-/// Runs the routines that have been set up with true, backwards. What they throw is dropped: each of them
-/// gets its turn.
-FRAMEWRIGHT_EXPORT void SrRunShutDown(std::span<StStartupRow const> rows) noexcept;
-
-/// The names of the routines that set-up ran, in the order in which they ran. Empty when set-up failed.
-FRAMEWRIGHT_EXPORT std::vector<char const*> SrGetInitializerNames();
-
-/// 0 when the library is in service, else the error code with which set-up failed. A failed set-up cannot be
-/// an exception, since loading a library has nobody to catch it: what had been set up is taken back, and the
-/// library stays loaded with empty registries and without media manager and colour tables. A host that loads
-/// it while memory is short asks here before anything else.
-FRAMEWRIGHT_EXPORT long SrGetStartupError();
+/// Runs the routines of all marked rows with false, in order. 0, or the error code of the routine that
+/// failed: it and those before it have then been run with true, in reverse.
+long SrRunSetUp(std::span<StStartupRow const> rows) noexcept;
+/// Runs the routines that have been set up with true, in reverse. What they throw is dropped: each gets its
+/// turn.
+void SrRunShutDown(std::span<StStartupRow const> rows) noexcept;

@@ -1,0 +1,11 @@
+// Stands in, weakly, for the set-up routines whose own files are not in the tree yet.
+#include "framewright/core/startup.h"
+
+#define WEAK __attribute__((weak))
+WEAK void SrRegisterTrackTypeNames(bool) {}
+WEAK void SrInitializeGlobalMedia(bool) {}
+WEAK void SrInitColorMaps(bool) {}
+WEAK void SrInitializeLayerRegistries(bool) {}
+WEAK void SrInitializeMappedLayers(bool) {}
+WEAK void SrInitializeTracks(bool) {}
+WEAK void SrRegisterBmp(bool) {}

@@ -1,0 +1,16 @@
+// PICT files. This build has no reader of them, so set-up has nothing to enter.
+#include "framewright/core/startup.h"
+
+SR_DEPENDS_ON(SrInitMemory);
+SR_DEPENDS_ON(SrInitObjectBase);
+SR_DEPENDS_ON(SrInitStorageManager);
+SR_DEPENDS_ON(SrRegisterTrackTypeNames);
+SR_DEPENDS_ON(SrRegisterResPict);
+SR_DEPENDS_ON(SrInitializeGlobalMedia);
+SR_DEPENDS_ON(SrInitColorMaps);
+SR_DEPENDS_ON(SrInitializeGlobalSpoolManager);
+SR_DEPENDS_ON(SrInitializeLayerRegistries);
+SR_DEPENDS_ON(SrInitializeMappedLayers);
+SR_DEPENDS_ON(SrRegisterPict);
+
+void SrRegisterPict(bool) {}
