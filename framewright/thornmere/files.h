@@ -24,7 +24,8 @@ class FRAMEWRIGHT_EXPORT StFileSpec {
     void SetFileName(char const* name);
     /// Replaces the file name's extension, or adds one: the characters behind its last dot.
     void SetExtension(char const* extension);
-    /// Goes into the folder: appends `/` and `name`. 0 when that exists, else -43; the spec is changed either way.
+    /// Goes into the folder: appends `/` and `name`. 0 when that exists, else -43; the spec is changed either
+    /// way.
     long ConcatFileName(char const* name);
 
     bool operator==(StFileSpec const& other) const;
@@ -46,23 +47,25 @@ enum StFilePermission : std::uint8_t { kFileRead = 1, kFileWrite = 2, kFileReadW
 FRAMEWRIGHT_EXPORT StFileInfo const& SkNoFileInfo();
 FRAMEWRIGHT_EXPORT StFileSpec const& SkInvalidFileSpec();
 
-/// The spec of a path, absolute or relative. 0 when the file exists; -43 when it, or its folder, does not: the
-/// spec is good all the same. -50 for an empty path or one that no file system could hold; `spec` is left.
+/// The spec of a path, absolute or relative. 0 when the file exists; -43 when it, or its folder, does not:
+/// the spec is good all the same. -50 for an empty path or one that no file system could hold; `spec` is
+/// left.
 FRAMEWRIGHT_EXPORT long SrFileSpecFromFullPath(char const* path, StFileSpec& spec);
 FRAMEWRIGHT_EXPORT long SrFullPathFromFileSpec(StFileSpec const& spec, ScSx& path);
 /// What is known of an existing file or folder.
 FRAMEWRIGHT_EXPORT long SrGetFileInfo(StFileSpec const& spec, StFileInfo& info);
 
 /// Opens an existing file and stores a reference that is not 0. Throws -43, -54 or -36, with `fileRef` 0.
-FRAMEWRIGHT_EXPORT void SrFileOpen(StFileSpec const& spec, unsigned int& fileRef, StFilePermission permission);
+FRAMEWRIGHT_EXPORT void SrFileOpen(StFileSpec const& spec, unsigned int& fileRef,
+                                   StFilePermission permission);
 /// Closes; with `flush` the data is handed to the disk first. A reference of 0 is ignored. Returns a code.
 FRAMEWRIGHT_EXPORT long SrFileClose(unsigned int fileRef, bool flush);
-/// Makes an empty file. On an existing name gives -48 and leaves the file alone. `info` is not stored: a file's
-/// type is its extension here.
+/// Makes an empty file. On an existing name gives -48 and leaves the file alone. `info` is not stored: a
+/// file's type is its extension here.
 FRAMEWRIGHT_EXPORT long SrFileCreate(StFileSpec const& spec, StFileInfo const& info);
 FRAMEWRIGHT_EXPORT long SrFileDelete(StFileSpec const& spec);
-/// Reads at the file's position and moves it. Gives the bytes read, fewer only at the end of the file; a failure
-/// throws -36.
+/// Reads at the file's position and moves it. Gives the bytes read, fewer only at the end of the file; a
+/// failure throws -36.
 FRAMEWRIGHT_EXPORT unsigned int SrFileRead(unsigned int fileRef, void* destination, unsigned int size);
 /// Writes all of `size` bytes or throws: -34 for a full disk or size limit, -36 else. Gives `size`.
 FRAMEWRIGHT_EXPORT unsigned int SrFileWrite(unsigned int fileRef, void const* source, unsigned int size);
@@ -90,18 +93,21 @@ class FRAMEWRIGHT_EXPORT ScFileIterator {
     /// False ends the walk.
     virtual bool HandleFile(StFileSpec const& file, StFileInfo const& info) = 0;
 };
-/// Hands every accepted file of a folder to `iterator`, in the order of their names; enters the sub-folders that
-/// `folders` accepts (null: none). A null `files` accepts all. 0 or the code of the folder that can't be read.
+/// Hands every accepted file of a folder to `iterator`, in the order of their names; enters the sub-folders
+/// that `folders` accepts (null: none). A null `files` accepts all. 0 or the code of the folder that can't be
+/// read.
 FRAMEWRIGHT_EXPORT long SrDirectoryEachFile(StFileSpec const& folder, ScFileFilter* files,
                                             ScFolderFilter* folders, ScFileIterator& iterator);
 
 /// `fullPath` as seen from the folder of the file `basePath`; the full path where the two share nothing.
 FRAMEWRIGHT_EXPORT void SrMakeRelativePath(char const* fullPath, char const* basePath, ScSx& relativePath);
-/// Looks for a file that has moved: `relativePath` from the folder of the file `basePath`. True, with the path
-/// in `out`, when a file is there or `mustExist` is false and the path could be made; else `out` is fullPath.
+/// Looks for a file that has moved: `relativePath` from the folder of the file `basePath`. True, with the
+/// path in `out`, when a file is there or `mustExist` is false and the path could be made; else `out` is
+/// fullPath.
 FRAMEWRIGHT_EXPORT bool SrMakeAbsolutePath(ScSx& out, char const* fullPath, char const* relativePath,
                                            char const* basePath, bool mustExist);
 
-/// A path on a stream: 32-bit big-endian length, then its bytes. A length beyond what the stream holds throws.
+/// A path on a stream: 32-bit big-endian length, then its bytes. A length beyond what the stream holds
+/// throws.
 FRAMEWRIGHT_EXPORT void SrPutPathStringToStream(SmStream* stream, char const* path);
 FRAMEWRIGHT_EXPORT void SrGetPathStringFromStream(SmStream* stream, ScSx& path);

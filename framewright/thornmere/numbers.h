@@ -9,7 +9,9 @@ constexpr std::int32_t SrITrunc(double value) {
     // Both limits are exact doubles, so the comparison decides the same for every input.
     return value > -2147483649.0 && value < 2147483648.0 ? static_cast<std::int32_t>(value) : INT32_MIN;
 }
-constexpr std::int32_t SrITrunc(float value) { return SrITrunc(static_cast<double>(value)); }
+constexpr std::int32_t SrITrunc(float value) {
+    return SrITrunc(static_cast<double>(value));
+}
 
 /// The same to 64 bits; 0x8000000000000000 for NaN and for what does not fit.
 constexpr std::int64_t SrITrunc64(double value) {
@@ -18,5 +20,9 @@ constexpr std::int64_t SrITrunc64(double value) {
 }
 
 /// Logarithm to base 2.
-inline float SrLog2(float value) { return std::log2(value); }
-inline double SrLog2(double value) { return std::log2(value); }
+inline float SrLog2(float value) {
+    return std::log2(value);
+}
+inline double SrLog2(double value) {
+    return std::log2(value);
+}

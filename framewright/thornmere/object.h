@@ -7,10 +7,12 @@
 //     SM_CLASS(SmMedia, SmObject, 0);
 //     class FRAMEWRIGHT_EXPORT SmMedia : public SmManaged<SmMedia> {
 //         friend SmManaged<SmMedia>;
+//       public:
+//         void Free() override;                 // gives resources back, ends by calling the parent's
 //       protected:
 //         SmMedia();                            // plain defaults only, never fails
+//         ~SmMedia() override;                  // ends the object; Free has run
 //         void CloneFrom(SmMedia const& other);  // copies state, the parent's CloneFrom first
-//         void Free() override;                 // gives resources back, ends by calling the parent's
 //     };
 //     SM_DEFINE_CLASS(SmMedia);                 // in its source file
 //
@@ -20,6 +22,7 @@
 // An object, with all that it owns, is used by one thread at a time; counts are plain integers.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <new>
@@ -52,7 +55,8 @@ class FRAMEWRIGHT_EXPORT SmObjectBase {
     /// A copy with a count of 1. An abstract class throws SkAbstractClassErrC().
     virtual void* ImplementClone() const;
     /// Takes on the state of `other`, an object of the same class, in place: pointers to this object stay
-    /// valid and its reference count survives. On an exception the object is as before.
+    /// valid and its reference count survives. `other` is left as it was. On an exception the object is as
+    /// before.
     virtual void ImplementBecome(void* other);
     virtual ScMC_* GetClass() const;
     virtual char const* GetClassName() const;
@@ -60,10 +64,11 @@ class FRAMEWRIGHT_EXPORT SmObjectBase {
     virtual unsigned int GetClassSize() const;
     virtual int GetClassVersion() const;
     virtual bool IsMemberOf(ScMC_* cls) const;
-    /// Called when the count reaches zero: Free, then destruction. Returns true.
+    /// Called when the count reaches zero: Free, then destruction. Returns true. References that Free takes
+    /// and drops again do not end the object a second time.
     virtual bool DeleteThis();
-    /// Gives back what the object owns. Copes with every field at its constructor default, and may run on an
-    /// object that is used again afterwards.
+    /// Gives back what the object owns; does not throw. Copes with every field at its constructor default,
+    /// and may run on an object that is used again afterwards.
     virtual void Free();
     /// Replaces shared sub-objects by private copies.
     virtual void DeepenClone();
@@ -99,23 +104,30 @@ class FRAMEWRIGHT_EXPORT SmObjectBase {
     SmObjectBase() = default;
     void CloneFrom(SmObjectBase const&) {}
 
-    /// The body of ImplementBecome over `size` bytes: `construct` runs the class's constructor in place,
-    /// `cloneFrom` copies the state of `other`.
-    void Become(void* other, std::size_t size, void (*construct)(void* place),
-                void (*cloneFrom)(void* object, void* other));
+    /// What ImplementBecome needs of a class.
+    struct StBecomeParts {
+        std::size_t size;
+        void (*construct)(void* place);
+        void (*cloneFrom)(void* object, void const* other);
+        void (*destroy)(void* object);  ///< the destructor, without giving the memory back
+    };
+    /// The body of ImplementBecome.
+    void Become(void const* other, StBecomeParts const& parts);
 
   private:
     mutable std::int32_t mReferenceCount = 1;
 };
 
-/// The run-time record of a class, one instance a class.
+/// The run-time record of a class, one instance a class. It enters the list of all classes when it is built
+/// and leaves it when it is destroyed; both are safe at any moment of loading and unloading.
 class FRAMEWRIGHT_EXPORT ScMC_ {
   public:
     ScMC_(char const* name, ScMC_* parent, unsigned int size, unsigned char version);
     ScMC_(ScMC_ const&) = delete;
     ScMC_& operator=(ScMC_ const&) = delete;
     virtual ~ScMC_();
-    /// A new object of this class with a count of 1, null when memory is refused.
+    /// A new object of this class with a count of 1, null when memory is refused. An abstract class throws
+    /// SkAbstractClassErrC().
     virtual void* New() const;
 
     /// Makes an instance of the class of that name or selector, whatever class this object stands for. An
@@ -130,8 +142,8 @@ class FRAMEWRIGHT_EXPORT ScMC_ {
     unsigned long Selector() const { return mSelector; }
     unsigned char Version() const { return mVersion; }
     /// How many instances New, ImplementClone and ImplementBecome have produced.
-    long InstanceCount() const { return mInstances; }
-    void CountInstance() { ++mInstances; }
+    long InstanceCount() const { return mInstances.load(std::memory_order_relaxed); }
+    void CountInstance() { mInstances.fetch_add(1, std::memory_order_relaxed); }
     /// True when this class is `cls` or derives from it.
     bool DerivesFrom(ScMC_ const* cls) const;
 
@@ -143,7 +155,7 @@ class FRAMEWRIGHT_EXPORT ScMC_ {
     unsigned int mSize;
     unsigned long mSelector;  ///< a running number, unique in this process
     unsigned char mVersion;
-    std::int32_t mInstances = 0;
+    std::atomic<std::int32_t> mInstances{0};  ///< objects of one class may be made on several threads
     ScMC_* mParent;
     ScMC_* mNextInList = nullptr;
 };
@@ -162,7 +174,7 @@ class ScClassObject : public ScMC_ {
 
 /// The mechanical members of managed class X.
 template <class X>
-class SmManaged : public StClassFacts<X>::ParentClass {
+class FRAMEWRIGHT_EXPORT SmManaged : public StClassFacts<X>::ParentClass {
     using Facts = StClassFacts<X>;
     using ParentClass = typename Facts::ParentClass;
     static constexpr bool kAbstract = Facts::kAbstract;
@@ -233,27 +245,27 @@ void SmManaged<X>::ImplementBecome([[maybe_unused]] void* other) {
     if constexpr (kAbstract || std::is_abstract_v<X>) {
         SrThrow(SkAbstractClassErrC(), nullptr);
     } else {
-        this->Become(
-            other, sizeof(X), [](void* place) { new (place) X; },
-            [](void* object, void* from) {
-                static_cast<X*>(object)->CloneFrom(*static_cast<X const*>(from));
-            });
+        this->Become(other, {sizeof(X), [](void* place) { new (place) X; },
+                             [](void* object, void const* from) {
+                                 static_cast<X*>(object)->CloneFrom(*static_cast<X const*>(from));
+                             },
+                             [](void* object) { static_cast<X*>(object)->X::~X(); }});
         Class()->CountInstance();
     }
 }
 
-// `Abstract` says that New, ImplementClone and ImplementBecome throw; a class with pure operations is abstract
-// without being told.
-#define SM_CLASS_FACTS(X, Parent, ClassVersion, Abstract) \
-    class X;                                              \
-    using X##__Class = ScClassObject<X>;                  \
-    template <>                                           \
-    struct FRAMEWRIGHT_EXPORT StClassFacts<X> {           \
-        using ParentClass = Parent;                       \
-        static constexpr char const* kName = #X;          \
+// `Abstract` says that New, ImplementClone and ImplementBecome throw; a class with pure operations is
+// abstract without being told.
+#define SM_CLASS_FACTS(X, Parent, ClassVersion, Abstract)       \
+    class X;                                                    \
+    using X##__Class = ScClassObject<X>;                        \
+    template <>                                                 \
+    struct FRAMEWRIGHT_EXPORT StClassFacts<X> {                 \
+        using ParentClass = Parent;                             \
+        static constexpr char const* kName = #X;                \
         static constexpr unsigned char kVersion = ClassVersion; \
-        static constexpr bool kAbstract = Abstract;       \
-        static ScMC_* Object();                           \
+        static constexpr bool kAbstract = Abstract;             \
+        static ScMC_* Object();                                 \
     }
 
 /// Declares managed class X below Parent; stands before the class, at global scope.
@@ -262,10 +274,12 @@ void SmManaged<X>::ImplementBecome([[maybe_unused]] void* other) {
 #define SM_ABSTRACT_CLASS(X, Parent, ClassVersion) SM_CLASS_FACTS(X, Parent, ClassVersion, true)
 
 /// Defines the class object of X, once, in its source file.
-#define SM_DEFINE_CLASS(X)                                                                          \
+#define SM_DEFINE_CLASS(X)                                                                             \
     static X##__Class g##X##ClassObject(StClassFacts<X>::kName, StClassFacts<X>::ParentClass::Class(), \
-                                        sizeof(X), StClassFacts<X>::kVersion);                      \
-    ScMC_* StClassFacts<X>::Object() { return &g##X##ClassObject; }                                 \
+                                        sizeof(X), StClassFacts<X>::kVersion);                         \
+    ScMC_* StClassFacts<X>::Object() {                                                                 \
+        return &g##X##ClassObject;                                                                     \
+    }                                                                                                  \
     static_assert(sizeof(X) > 0)
 
 SM_ABSTRACT_CLASS(SmObject, SmObjectBase, 0);

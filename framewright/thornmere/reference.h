@@ -1,6 +1,8 @@
 // Handles that hold one reference to a counted object: StRef for a known class, and the type-erased pair.
 #pragma once
 
+#include <cstddef>
+#include <type_traits>
 #include <utility>
 
 #include "framewright/thornmere/export.h"
@@ -20,7 +22,9 @@ struct StReferenceCountableInterface {
 };
 
 /// Gives the reference that `reference` holds to the framework, which releases it when the library shuts
-/// down or at SrDisposeAutoObjects, whichever comes first.
+/// down or at SrDisposeAutoObjects, whichever comes first; the newest goes first. A null pair is ignored.
+/// When memory for the note is refused, the reference is released at once and -108 thrown. First-class
+/// threads only.
 FRAMEWRIGHT_EXPORT void SrAutoDisposeObject(StReferenceCountableInterface reference);
 FRAMEWRIGHT_EXPORT void SrDisposeAutoObjects();
 
@@ -59,11 +63,17 @@ class StRef {
     T* Release() { return std::exchange(mObject, nullptr); }
 
     /// T::New() as a type-erased reference; a null pair if it gave null.
-    static StReferenceCountableInterface AllocateNewObject() { return AsReferenceCountableInterface(T::New()); }
+    static StReferenceCountableInterface AllocateNewObject() {
+        return AsReferenceCountableInterface(T::New());
+    }
     /// Wraps a pointer without adding a reference; a null pair for null.
     static StReferenceCountableInterface AsReferenceCountableInterface(T* object) {
         if (!object) return {nullptr, nullptr};
-        return {object, T::GetReferenceCountableFunctionTable()};
+        if constexpr (std::is_base_of_v<SmObjectBase, T>) {
+            return {static_cast<SmObjectBase*>(object), T::GetReferenceCountableFunctionTable()};
+        } else {
+            return {object, T::GetReferenceCountableFunctionTable()};
+        }
     }
 
   private:

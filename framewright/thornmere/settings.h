@@ -1,6 +1,7 @@
 // Persistent settings: values under key texts, kept in one file. The file is $FRAMEWRIGHT_SETTINGS, else
 // $XDG_CONFIG_HOME/framewright/settings, else ~/.config/framewright/settings. A value is read when its object
-// is built; the file is written whole and by rename when a value changes. A missing or unwritable file is no error.
+// is built; the file is written whole and by rename when a value changes. A missing or unwritable file is no
+// error.
 #pragma once
 
 #include "framewright/thornmere/export.h"

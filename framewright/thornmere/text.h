@@ -16,7 +16,8 @@ class FRAMEWRIGHT_EXPORT ScSx {
     virtual void Append(char const* text) = 0;
 };
 
-/// A text of any length on the heap. It holds one pointer, so it can be moved as bytes.
+/// A text of any length, on memory of the framework's allocator. It holds one pointer, so it can be moved as
+/// bytes. Memory refused throws -108 and leaves the text as it was.
 class FRAMEWRIGHT_EXPORT ScHeapString : public ScSx {
   public:
     ScHeapString(char const* text = "");
@@ -32,13 +33,15 @@ class FRAMEWRIGHT_EXPORT ScHeapString : public ScSx {
     void Append(char const* text) override;
 
   private:
-    void Set(char const* text, unsigned length);
+    /// Makes the text of two parts.
+    void Replace(char const* head, char const* tail);
 
     char* mText = nullptr;  ///< null stands for the empty text
     unsigned mLength = 0;
 };
 
-/// A C string in a buffer of fixed capacity (bytes without the null); longer text is cut off.
+/// A C string in a buffer of fixed capacity (bytes without the null), which it keeps when it is assigned to;
+/// longer text is cut off. The buffer is the framework's memory: only construction can throw -108.
 class FRAMEWRIGHT_EXPORT ScCString : public ScSx {
   public:
     ScCString(char const* text = "", unsigned capacity = 255);
@@ -61,7 +64,7 @@ class FRAMEWRIGHT_EXPORT ScCString : public ScSx {
 class FRAMEWRIGHT_EXPORT ScPString : public ScSx {
   public:
     ScPString(char const* text = "");
-    /// From a length byte and that many bytes.
+    /// From a length byte and that many bytes; ends early at a null byte. Null gives the empty text.
     static ScPString FromPascal(unsigned char const* text);
 
     char const* AsCString() const override { return mText + 1; }
@@ -72,7 +75,11 @@ class FRAMEWRIGHT_EXPORT ScPString : public ScSx {
     void Append(char const* text) override;
 
   private:
-    char mText[257];
+    static constexpr unsigned kCapacity = 255;
+    /// Puts at most `room` bytes of `text` at `at`, where the text then ends.
+    void SetPart(unsigned at, char const* text, unsigned room);
+
+    char mText[kCapacity + 2];
 };
 
 /// A C string of at most 63 bytes, as name registries store it.

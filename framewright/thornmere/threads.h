@@ -1,4 +1,5 @@
-// Threads and time. The thread that loads the library is first-class; only first-class threads touch spool files.
+// Threads and time. The thread that loads the library is first-class; only first-class threads touch spool
+// files.
 #pragma once
 
 #include <cstdint>

@@ -1,7 +1,11 @@
 // A growing array that can be moved as bytes: it holds a pointer and two counts, and nothing points into it.
+// It belongs to the object that holds it, and to that object's thread.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <limits>
+#include <memory>
 #include <new>
 #include <type_traits>
 #include <utility>
@@ -22,7 +26,8 @@ class ScVector {
     ScVector(ScVector const& other) {
         try {
             reserve(other.mSize);
-            for (T const& value : other) push_back(value);
+            for (T const& value : other)
+                push_back(value);
         } catch (...) {
             Release();
             throw;
@@ -60,29 +65,34 @@ class ScVector {
     void reserve(std::size_t count) {
         if (count > mCapacity) Grow(count);
     }
-    /// Grows with value-initialised entries, or drops entries from the end.
+    /// Grows with value-initialised entries, or drops entries from the end. Many small steps cost no more
+    /// than as many push_back.
     void resize(std::size_t count) {
-        reserve(count);
-        while (mSize > count) pop_back();
-        while (mSize < count) {
-            new (mData + mSize) T();
-            ++mSize;
+        if (count > mCapacity) Grow(std::max(count, mCapacity * 2));
+        while (mSize > count)
+            pop_back();
+        if (mSize < count) {
+            std::uninitialized_value_construct(mData + mSize, mData + count);
+            mSize = count;
         }
     }
     iterator insert(const_iterator place, T value) {
         std::size_t const at = static_cast<std::size_t>(place - mData);
         push_back(std::move(value));
-        for (std::size_t i = mSize - 1; i > at; --i) std::swap(mData[i], mData[i - 1]);
+        for (std::size_t i = mSize - 1; i > at; --i)
+            std::swap(mData[i], mData[i - 1]);
         return mData + at;
     }
     iterator erase(const_iterator place) {
         std::size_t const at = static_cast<std::size_t>(place - mData);
-        for (std::size_t i = at; i + 1 < mSize; ++i) mData[i] = std::move(mData[i + 1]);
+        for (std::size_t i = at; i + 1 < mSize; ++i)
+            mData[i] = std::move(mData[i + 1]);
         pop_back();
         return mData + at;
     }
     void clear() {
-        while (mSize) pop_back();
+        while (mSize)
+            pop_back();
     }
     void swap(ScVector& other) noexcept {
         std::swap(mData, other.mData);
@@ -92,12 +102,12 @@ class ScVector {
 
   private:
     void Grow(std::size_t capacity) {
+        static_assert(std::is_nothrow_move_constructible_v<T> && alignof(T) <= alignof(std::max_align_t));
+        if (capacity > std::numeric_limits<std::size_t>::max() / sizeof(T)) SrThrow(SkMemoryFull(), nullptr);
         T* grown = static_cast<T*>(SrAllocatePointer(capacity * sizeof(T)));
         SrThrowIfNIL(grown);
-        for (std::size_t i = 0; i < mSize; ++i) {
-            new (grown + i) T(std::move(mData[i]));
-            mData[i].~T();
-        }
+        std::uninitialized_move(begin(), end(), grown);
+        std::destroy(begin(), end());
         SrDeallocatePointer(mData, mCapacity * sizeof(T));
         mData = grown;
         mCapacity = capacity;

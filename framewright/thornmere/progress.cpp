@@ -1,0 +1,3 @@
+#include "framewright/thornmere/progress.h"
+
+ScProgressIndicator::~ScProgressIndicator() = default;
