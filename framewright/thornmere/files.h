@@ -40,8 +40,12 @@ struct StFileInfo {
     char typeText[257];  ///< the extension without its dot; empty for a name without one
 };
 
-/// How a file is opened: for reading, or with one of the two writing permissions.
-enum StFilePermission : std::uint8_t { kFileRead = 1, kFileWrite = 2, kFileReadWrite = 3 };
+/// How a file is opened: for reading, or with one of the two writing permissions. A plain number, so that the
+/// values can be written as such.
+using StFilePermission = std::uint8_t;
+constexpr StFilePermission kFileRead = 1;
+constexpr StFilePermission kFileWrite = 2;
+constexpr StFilePermission kFileReadWrite = 3;
 
 /// The info that means that nothing is known, and the spec that names nothing.
 FRAMEWRIGHT_EXPORT StFileInfo const& SkNoFileInfo();
