@@ -1,0 +1,41 @@
+// One pixel of a row in memory, for every record that layers are made of. No bounds are checked; the record
+// is known when it is compiled, so each of these is a load or a store, with a shift below eight bits.
+#pragma once
+
+#include <cstring>
+#include <type_traits>
+
+#include "framewright/pixel/pixels.h"
+
+namespace pixel {
+
+/// Whether a row packs several of these into a byte.
+template <class Record>
+constexpr bool kSubByte = StFacts<Record>::kBits < 8;
+
+/// Copies pixel `x` of `row` to `out`. Of a record that is wider as a variable only the pixel's bits are
+/// replaced.
+template <class Record>
+inline void LoadPixel(void const* row, long x, Record& out) {
+    constexpr long kBytes = StFacts<Record>::kBits / 8;
+    if constexpr (requires { out.GetPixelFromRow(row, x); })
+        out.GetPixelFromRow(row, x);
+    else if constexpr (std::is_same_v<Record, StBlackWhitePixel>)
+        out.black = StRowPacking<1>::Get(row, x) & 1;
+    else
+        std::memcpy(static_cast<void*>(&out), static_cast<unsigned char const*>(row) + x * kBytes, kBytes);
+}
+
+/// Stores `pixel` as pixel `x` of `row`; the other pixels of its byte stay.
+template <class Record>
+inline void StorePixel(void* row, long x, Record const& pixel) {
+    constexpr long kBytes = StFacts<Record>::kBits / 8;
+    if constexpr (requires { pixel.PlacePixelInRow(row, x); })
+        pixel.PlacePixelInRow(row, x);
+    else if constexpr (std::is_same_v<Record, StBlackWhitePixel>)
+        StRowPacking<1>::Put(row, x, pixel.black);
+    else
+        std::memcpy(static_cast<unsigned char*>(row) + x * kBytes, &pixel, kBytes);
+}
+
+}  // namespace pixel
