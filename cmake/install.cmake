@@ -40,6 +40,11 @@ configure_file(${CMAKE_CURRENT_LIST_DIR}/framewright.pc.in ${CMAKE_CURRENT_BINAR
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/framewright.pc DESTINATION ${pc_dir})
 
 if(TARGET framewright_host)
+  # The installed host finds its library wherever the tree stands.
+  file(RELATIVE_PATH library_from_host /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+  if(NOT IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR})
+    set_target_properties(framewright_host PROPERTIES INSTALL_RPATH "$ORIGIN/${library_from_host}")
+  endif()
   install(TARGETS framewright_host RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   if(EXISTS ${PROJECT_SOURCE_DIR}/host/framewright.1)
     install(FILES ${PROJECT_SOURCE_DIR}/host/framewright.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
