@@ -4,6 +4,8 @@
 // error.
 #pragma once
 
+#include <string>
+
 #include "framewright/thornmere/export.h"
 #include "framewright/thornmere/text.h"
 
@@ -12,7 +14,8 @@ class SmStream;
 /// The base of a persistent value: finds its bytes in the store under its name, and puts them back.
 class FRAMEWRIGHT_EXPORT SxPersistent {
   public:
-    /// `parent` would nest the value below another; the library passes null.
+    /// With a parent the value is stored under the parent's key, a `/` and its own; the library passes null.
+    /// The parent is borrowed and outlives this object.
     explicit SxPersistent(SxPersistent* parent);
     virtual ~SxPersistent();
     SxPersistent(SxPersistent const&) = delete;
@@ -22,6 +25,7 @@ class FRAMEWRIGHT_EXPORT SxPersistent {
     virtual char const* GetPersistentDataName() const = 0;
     /// Reads the value from the store, through ReadValue, if there is one; a damaged one is ignored.
     virtual void ReadPersistentData();
+    /// Puts the value, as WriteValue gives it, into the store. A key with a line break in it is not stored.
     virtual void WritePersistentData();
 
   protected:
@@ -29,6 +33,8 @@ class FRAMEWRIGHT_EXPORT SxPersistent {
     virtual void WriteValue(SmStream* stream) const = 0;
 
   private:
+    std::string FullKey() const;
+
     SxPersistent* mParent;
 };
 
@@ -40,7 +46,7 @@ template <>
 class FRAMEWRIGHT_EXPORT ScPersistentNormalData<bool> : public SxPersistent {
   public:
     bool GetValue() const { return mValue; }
-    /// Stores the value; the file is written when it differs from what was stored.
+    /// Takes the value on and, when it differs from the one before, writes the file.
     void SetValue(bool value);
     char const* GetPersistentDataName() const override { return mKey.AsCString(); }
 

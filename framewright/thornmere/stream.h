@@ -1,5 +1,6 @@
-// Streams of bytes: sequential, with a position, in memory, on a file, and with named sections. A stream is
-// used by one thread at a time. Failures are exceptions.
+// Streams of bytes: sequential, with a position, in memory and on a file. A stream is used by one thread at a
+// time. Failures are exceptions. Positions and lengths have 32 bits: a write that would pass 4 GiB throws
+// SkStreamTooLongErrC(), and so does asking a longer file for its length.
 #pragma once
 
 #include <cstdint>
@@ -17,10 +18,12 @@ class FRAMEWRIGHT_EXPORT SmStream : public SmManaged<SmStream> {
 
   public:
     void IStream();
+    void Free() override;
 
     /// Reads `size` bytes and returns `destination`. Past the end it transfers what is there, leaves the
     /// position at the end and throws -39.
     virtual void* Read(unsigned int size, void* destination);
+    /// Writes all of `size` bytes or throws.
     virtual void Write(unsigned int size, void const* source);
     /// One flag, in a byte of its own: 0 or 1.
     virtual void PutBit(bool bit);
@@ -33,11 +36,12 @@ class FRAMEWRIGHT_EXPORT SmStream : public SmManaged<SmStream> {
     virtual bool GetRemaining(std::uint64_t& bytes) const;
 
     /// The layout version that the data on this stream was written with for `cls`: the class's current one,
-    /// unless SetStoredClassVersion said otherwise.
+    /// unless SetStoredClassVersion said otherwise. The stream keeps what it was told; it writes none of it.
     int StoredClassVersion(ScMC_ const* cls) const;
     void SetStoredClassVersion(ScMC_ const* cls, int version);
 
-    /// Numbers in big-endian order, T being any integer or float of 1, 2, 4 or 8 bytes.
+    /// Numbers in big-endian order, T being any integer or float of 1, 2, 4 or 8 bytes. A `long` has the
+    /// width of the machine: give the width of the file's field, PutBigEndian<std::int32_t>(value).
     template <class T>
     void PutBigEndian(T value) {
         static_assert(std::is_arithmetic_v<T>);
@@ -74,9 +78,11 @@ class FRAMEWRIGHT_EXPORT SmRandomStream : public SmManaged<SmRandomStream> {
 
   public:
     virtual unsigned int GetPosition();
-    /// A position behind the end is allowed; a read there ends the file.
+    /// A position behind the end is allowed: a write there fills the gap with zeroes, a read ends the file
+    /// and so brings the position back to the end.
     virtual void SetPosition(unsigned int position);
     virtual unsigned int GetLength();
+    /// From the position to the end; 0 behind the end.
     bool GetRemaining(std::uint64_t& bytes) const override;
 
   protected:
@@ -99,8 +105,10 @@ class FRAMEWRIGHT_EXPORT SmMemoryStream : public SmManaged<SmMemoryStream> {
     unsigned char* Data() { return mBytes.data(); }
     unsigned char const* Data() const { return mBytes.data(); }
 
+    void Free() override;
     void* Read(unsigned int size, void* destination) override;
-    /// Bytes between the end and a position behind it become 0.
+    /// `source` is not among the stream's own bytes. Memory refused throws -108 and leaves the stream as it
+    /// was.
     void Write(unsigned int size, void const* source) override;
     unsigned int GetPosition() override;
     void SetPosition(unsigned int position) override;
@@ -117,7 +125,9 @@ class FRAMEWRIGHT_EXPORT SmMemoryStream : public SmManaged<SmMemoryStream> {
 };
 
 SM_CLASS(SmFileStream, SmRandomStream, 0);
-/// A stream on an open file. It does not close the file: who opened it does.
+/// A stream on an open file. It does not close the file: who opened it does. Nothing is held back: each Read
+/// and Write is one call of the system, so bulk data goes through in rows and not in pixels, and a write that
+/// failed has been reported when Write returns.
 class FRAMEWRIGHT_EXPORT SmFileStream : public SmManaged<SmFileStream> {
     friend SmManaged<SmFileStream>;
 
@@ -125,6 +135,7 @@ class FRAMEWRIGHT_EXPORT SmFileStream : public SmManaged<SmFileStream> {
     /// `fileRef` from SrFileOpen, at its current position; `spec` is what GetFileSpec answers.
     void IFileStream(unsigned int fileRef, StFileSpec const& spec);
 
+    void Free() override;
     void* Read(unsigned int size, void* destination) override;
     void Write(unsigned int size, void const* source) override;
     bool GetFileSpec(StFileSpec& spec) const override;
