@@ -9,7 +9,6 @@
 
 #include <bit>
 #include <cstdint>
-#include <limits>
 
 #include "framewright/thornmere/numbers.h"
 
@@ -59,6 +58,9 @@ constexpr std::uint32_t LowBits(double value, int bits) {
 constexpr float ByteToFloat(unsigned value) {
     return static_cast<float>(value) * kInverseColorByte;
 }
+constexpr float WordToFloat(unsigned value) {
+    return static_cast<float>(value) * kInverseColorWord;
+}
 
 // Between integer scales.
 constexpr std::uint8_t FiveBitsToByte(unsigned value) {
@@ -77,7 +79,7 @@ constexpr std::uint8_t WordToByte(unsigned value) {
     return static_cast<std::uint8_t>(value >> 8);
 }
 
-/// A colour word or float summed over its channels, in double.
+/// A float colour summed over its channels, in double.
 template <class Color>
 constexpr double SumOf(Color const& color) {
     return static_cast<double>(color.red) + color.green + color.blue;

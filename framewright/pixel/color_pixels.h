@@ -94,6 +94,10 @@ struct FRAMEWRIGHT_EXPORT StRGBAFloatPixel {
 
 namespace pixel {
 
+/// SkBlackColorBytes() and SkWhiteColorBytes(): black is transparent, white is opaque.
+inline constexpr StRGBA32Pixel kBlackBytes{0, 0, 0, 0};
+inline constexpr StRGBA32Pixel kWhiteBytes{255, 255, 255, 255};
+
 /// Colour floats as opaque bytes.
 constexpr StRGBA32Pixel OpaqueBytes(StColorFloats const& color) {
     return {ToByte(color.blue), ToByte(color.green), ToByte(color.red), 255};

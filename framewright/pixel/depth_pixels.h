@@ -100,7 +100,7 @@ struct FRAMEWRIGHT_EXPORT StDepthUInt16Pixel {
     SR_LAYER_PIXEL_RECORD(StDepthUInt16Pixel);
 
     void ConvertToColorFloats(StColorFloats& out) const { out.SetFloat(ConvertToFloat()); }
-    float ConvertToFloat() const { return static_cast<float>(depth) * pixel::kInverseColorWord; }
+    float ConvertToFloat() const { return pixel::WordToFloat(depth); }
     void ConvertSmart(ScSmartPixel const* source);
     /// One big-endian word.
     void GetFromStream(SmStream& stream);

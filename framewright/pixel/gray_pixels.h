@@ -137,9 +137,7 @@ struct FRAMEWRIGHT_EXPORT StBlackWhitePixel {
     void GetFromStream(SmStream& stream);
     void PutToStream(SmStream& stream) const;
 
-    StRGBA32Pixel GetRGBA32() const {
-        return black ? StRGBA32Pixel{0, 0, 0, 0} : StRGBA32Pixel{255, 255, 255, 255};
-    }
+    StRGBA32Pixel GetRGBA32() const { return black ? pixel::kBlackBytes : pixel::kWhiteBytes; }
     void SetRGBA32(StRGBA32Pixel color) { black = pixel::IntegerSumOf(color) < pixel::kBlackLimit; }
     void SetFloat(float value) { black = value < 0.5f; }
     /// Red alone is truncated before the sum is judged: 1.0, 0.4, 0.2 is white, 0.9, 0.4, 0.2 is black.

@@ -58,6 +58,10 @@ static_assert(0 FOR_EACH_PLAIN_PIXEL(ROW) == 5);
 #undef ROW
 
 class ScSmartPixel;
+#define ROW(Record, ...) struct Record;
+FOR_EACH_LAYER_PIXEL(ROW)
+FOR_EACH_PLAIN_PIXEL(ROW)
+#undef ROW
 
 namespace pixel {
 
@@ -66,9 +70,6 @@ template <class Record>
 struct StFacts;
 
 #define ROW(Record, ID, Family, Bits)                              \
-    }                                                              \
-    struct Record;                                                 \
-    namespace pixel {                                              \
     template <>                                                    \
     struct StFacts<Record> {                                       \
         static constexpr std::uint32_t kPixelID = SrCode(ID);      \
@@ -79,9 +80,6 @@ FOR_EACH_LAYER_PIXEL(ROW)
 #undef ROW
 
 #define ROW(Record, ID, Family)                                    \
-    }                                                              \
-    struct Record;                                                 \
-    namespace pixel {                                              \
     template <>                                                    \
     struct StFacts<Record> {                                       \
         static constexpr std::uint32_t kPixelID = SrCode(ID);      \

@@ -94,9 +94,7 @@ inline void StRGB48Pixel::Blend(StRGB48Pixel const& other, float t) {
     blue = static_cast<std::uint16_t>(mix(blue, other.blue));
 }
 inline void StRGB48Pixel::ConvertToColorFloats(StColorFloats& out) const {
-    out = {static_cast<float>(red) * pixel::kInverseColorWord,
-           static_cast<float>(green) * pixel::kInverseColorWord,
-           static_cast<float>(blue) * pixel::kInverseColorWord};
+    out = {pixel::WordToFloat(red), pixel::WordToFloat(green), pixel::WordToFloat(blue)};
 }
 inline void StRGB48Pixel::Invert() {
     red = static_cast<std::uint16_t>(65535 - red);
