@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "framewright/pixel/pixels.h"
+#include "framewright/pixel/color_pixels.h"
 #include "framewright/thornmere/export.h"
 
 class SmStream;
@@ -53,7 +53,7 @@ class FRAMEWRIGHT_EXPORT ScColorMap<unsigned char, StRGBA32Pixel> {
     /// The used entry nearest to `color` by the sum of squared differences of red, green and blue, the lowest
     /// index on a tie; or what the colour's cell has cached. Alpha does not count.
     unsigned char ClosestColorIndex(StRGBA32Pixel color) {
-        unsigned char const cached = mCache[Cell(color)];
+        unsigned char const cached = CachedIndex(color);
         return cached ? cached : SearchClosest(color);
     }
 
@@ -68,6 +68,8 @@ class FRAMEWRIGHT_EXPORT ScColorMap<unsigned char, StRGBA32Pixel> {
         return mUsedCount < mEntryCount ? (mUsedCount < 0 ? 0 : mUsedCount) : mEntryCount;
     }
 
+    /// The index that the cell of `color` has cached; 0 for none.
+    unsigned char CachedIndex(StRGBA32Pixel color) const { return mCache[Cell(color)]; }
     /// The number of the cell that `color` falls into: red's high nibble in bits 8 to 11, then green's, then
     /// blue's in bits 0 to 3.
     static unsigned Cell(StRGBA32Pixel color) {
@@ -115,5 +117,6 @@ class FRAMEWRIGHT_EXPORT ScColorMap<unsigned char, StRGBA32Pixel> {
 FRAMEWRIGHT_EXPORT void StuffDefaultColors(ScColorMap<unsigned char, StRGBA32Pixel>& map, int count);
 
 /// Sets each used colour of `source` in `destination`, which keeps its other entries and cached answers.
+/// Nothing happens where one of them is null.
 FRAMEWRIGHT_EXPORT void SrCopyColorMap(ScColorMap<unsigned char, StRGBA32Pixel>* destination,
                                        ScColorMap<unsigned char, StRGBA32Pixel>* source);
