@@ -1,0 +1,41 @@
+// Uses the library on behalf of a program that cannot see it.
+#include <cstring>
+#include <exception>
+
+#include "framewright/framewright.h"
+
+/// Does a little of everything and hands an object over that the library releases when it goes. 0, or the
+/// number of the line that went wrong.
+extern "C" FRAMEWRIGHT_EXPORT int UseFramewright(void* object,
+                                                 StReferenceCountableFunctionTable const* table);
+
+#define CHECK(condition) \
+    if (!(condition)) return __LINE__
+
+int UseFramewright(void* object, StReferenceCountableFunctionTable const* table) {
+    CHECK(SrGetStartupError() == 0);
+    CHECK(SrGetInitializerNames().size() == 19);
+    CHECK(ScThread::InFirstClassThread());
+
+    SmMemoryStream* stream = SmMemoryStream::New();
+    CHECK(stream);
+    stream->IMemoryStream("abc", 3);
+    char text[4] = "";
+    stream->Read(3, text);
+    CHECK(std::strcmp(text, "abc") == 0);
+    stream->ReleaseReference();
+
+    // Whatever a thread keeps of an error must not hold the library in memory.
+    try {
+        ScMessageBuzzStrings message(SkAlertStrings(), 7, 1, 1, SkSimpleAlert());
+        SrThrow(SkMemoryFull(), &message);
+    } catch (std::exception const& exception) {
+        ScMessageClass* message = nullptr;
+        CHECK(SrGetExceptionValues(exception, message) == SkMemoryFull());
+        CHECK(message && *message->GetText());
+    }
+    CHECK(SrErrorName(-1234567));
+
+    SrAutoDisposeObject({object, table});
+    return 0;
+}
