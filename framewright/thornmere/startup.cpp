@@ -5,6 +5,7 @@
 #include "framewright/thornmere/error.h"
 #include "framewright/thornmere/memory.h"
 #include "framewright/thornmere/reference.h"
+#include "framewright/thornmere/threads.h"
 
 namespace {
 
@@ -66,4 +67,6 @@ void SrInitStorageManager(bool) {}
 
 void SrInitStringUtils(bool) {}
 
-void SrInitThread(bool) {}
+void SrInitThread(bool terminate) {
+    if (terminate) SrSetTickSource(nullptr);
+}

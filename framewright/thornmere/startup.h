@@ -57,11 +57,13 @@ class FRAMEWRIGHT_EXPORT StInitializerTrigger {
 SR_STARTUP_ROUTINE(SrInitMemory);
 /// True releases the objects that were given to SrAutoDisposeObject.
 SR_STARTUP_ROUTINE(SrInitObjectBase);
-/// Persistent values are read and written one by one, so the storage manager keeps nothing between calls.
+/// Persistent values are read and written one by one, so the storage manager keeps nothing that needs setting
+/// up.
 SR_STARTUP_ROUTINE(SrInitStorageManager);
-/// The string lists hold English texts from the start; hosts replace them.
+/// The string lists hold their English texts from the start, so nothing needs setting up.
 SR_STARTUP_ROUTINE(SrInitStringUtils);
-/// The thread that runs this with false is first-class from then on.
+/// The thread that loads the library is first-class from the load stage on. True drops the host's tick
+/// source.
 SR_STARTUP_ROUTINE(SrInitThread);
 
 /// A row of the start-up table: rows are in the order in which the routines run.
