@@ -5,7 +5,6 @@
 WEAK void SrRegisterTrackTypeNames(bool) {}
 WEAK void SrInitializeGlobalMedia(bool) {}
 WEAK void SrInitColorMaps(bool) {}
-WEAK void SrInitializeLayerRegistries(bool) {}
 WEAK void SrInitializeMappedLayers(bool) {}
 WEAK void SrInitializeTracks(bool) {}
 WEAK void SrRegisterBmp(bool) {}

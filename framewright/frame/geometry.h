@@ -51,6 +51,11 @@ constexpr StRect SrWholeRect(StPoint const& size) {
     return {0, 0, size.vertical, size.horizontal};
 }
 
+/// Whether a frame of `size` has any pixel at all.
+constexpr bool SrHasPixels(StPoint const& size) {
+    return size.vertical > 0 && size.horizontal > 0;
+}
+
 /// True when both coordinates of `point` are at least 0 and below those of `size`.
 FRAMEWRIGHT_EXPORT bool SrInsideFrame(StPoint const& point, StPoint const& size);
 

@@ -19,6 +19,10 @@
 #include "framewright/pixel/row_access.h"
 #include "framewright/thornmere/export.h"
 
+namespace frame {
+struct StStretchMap;
+}
+
 template <class Pixel, class Spool>
 class SmImagerLayer;
 
@@ -171,7 +175,18 @@ class FRAMEWRIGHT_EXPORT SmImagerLayer : public SmManaged<SmImagerLayer<Pixel, S
     Pixel mBackground{};
 
   private:
-    void AllocateRows(bool nativeBitmap);
+    static constexpr frame::StPixelKind kKind{Pixel::PixelID(), Pixel::PixelSize()};
+
+    /// One row of StretchBlit between like pixels.
+    void StretchRow(SmImagerFrame* source, StPoint const& sourceSize, frame::StStretchMap const& map,
+                    StRect const& to, long y);
+    /// GetPixelAt by value, by the operation of the class that knows this pixel's colours.
+    template <class Value>
+    Value ConvertedPixelAt(long x, long y);
+    /// The raw road of BlitRect.
+    void CopyRows(SmImagerFrame* source, StRect const& from, StPoint const& to);
+    void BindRows(void* start) { mSpooler.BindRows(start, RowDistance()); }
+    unsigned int RowDistance() const { return static_cast<unsigned int>(this->mRowBytes); }
 
     Spool mSpooler;
 };

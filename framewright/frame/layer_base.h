@@ -62,8 +62,10 @@ class FRAMEWRIGHT_EXPORT SmLayerBase : public SmImagerFrame {
     /// lent. The host's handles start empty.
     void CloneGeometry(SmLayerBase const& other);
 
-    /// Row bytes for the current size; -108 when they or the frame do not fit.
+    /// Row bytes for the current size, -108 when they do not fit.
     void ComputeRowBytes(long bits);
+    /// -108 for a size that is negative, or for rows or a table of rows over the limit.
+    void RefuseOverLimit() const;
     /// Allocates the layer's own block for the current size and makes it the base; -108 when memory is
     /// refused.
     void AllocateBlock(StPixelKind const& kind, bool nativeBitmap);
@@ -83,6 +85,8 @@ class FRAMEWRIGHT_EXPORT SmLayerBase : public SmImagerFrame {
     std::int32_t mRowBytes = 0;
 
   private:
+    void TakeParent(SmImagerFrame* parent);
+
     void* mNativeImageContext = nullptr;
     void* mNativeBitmap = nullptr;  ///< non-null when mBlock is a native bitmap's
     std::int32_t mImageContextUses = 0;

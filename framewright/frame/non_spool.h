@@ -46,7 +46,8 @@ class FRAMEWRIGHT_EXPORT ScImagerNonSpool {
     bool IsContiguous() const { return true; }
 
   private:
-    void AllocateTable(long rows);
+    /// Takes a new table in place of the one there is, which stays when memory is refused.
+    void SetTable(long rows);
 
     std::int32_t mCount = 0;
     void** mRows = nullptr;

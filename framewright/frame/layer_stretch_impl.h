@@ -1,0 +1,122 @@
+// SmImagerLayer: scaled copies.
+#pragma once
+
+#include <algorithm>
+#include <memory>
+
+#include "framewright/frame/copy_road.h"
+#include "framewright/frame/layer.h"
+#include "framewright/frame/pixel_mixing.h"
+#include "framewright/frame/stretch_map.h"
+#include "framewright/pixel/smart_pixel.h"
+
+template <class Pixel, class Spool>
+bool SmImagerLayer<Pixel, Spool>::StretchBlit(SmImagerFrame* source, StRect const& from, StRect const& to) {
+    StPoint const sourceSize = source->GetSize();
+    this->mUpdated = true;
+    this->EnsureScreenSafe(to);
+    if (SrHasPixels(sourceSize)) {
+        frame::StStretchMap const map(from, to);
+        if (frame::OnePixelType(*source, *this)) {
+            for (long y = to.top; y < to.bottom; ++y)
+                StretchRow(source, sourceSize, map, to, y);
+        } else {
+            std::unique_ptr<ScSmartPixel> const smart(source->NewSmartPixel());
+            for (long y = to.top; y < to.bottom; ++y) {
+                for (long x = to.left; x < to.right; ++x) {
+                    source->GetFractionalSmartPixel(map.columns.At(x), map.rows.At(y), smart.get());
+                    this->PutPixelAt(x, y, smart.get());
+                }
+            }
+        }
+    }
+    this->ReleaseScreenSafe();
+    return false;
+}
+
+template <class Pixel, class Spool>
+void SmImagerLayer<Pixel, Spool>::StretchRow(SmImagerFrame* source, StPoint const& sourceSize,
+                                             frame::StStretchMap const& map, StRect const& to, long y) {
+    long const lastRow = sourceSize.vertical - 1L;
+    long const lastColumn = sourceSize.horizontal - 1L;
+    float const fy = map.rows.At(y);
+    long const y0 = std::min<long>(SrITrunc(fy), lastRow);
+    long const y1 = y0 < lastRow ? y0 + 1 : y0;
+    float const down = fy - static_cast<float>(y0);
+    void const* const upper = source->LockRow(y0);
+    void const* const lower = source->LockRow(y1);
+    void* const row = this->LockRow(y);
+    for (long x = to.left; x < to.right; ++x) {
+        float const fx = map.columns.At(x);
+        long const x0 = SrITrunc(fx);
+        long const x1 = x0 < lastColumn ? x0 + 1 : x0;
+        float const across = fx - static_cast<float>(x0);
+        Pixel a{}, b{}, c{}, d{};
+        pixel::LoadPixel(upper, x0, a);
+        pixel::LoadPixel(lower, x0, b);
+        pixel::LoadPixel(upper, x1, c);
+        pixel::LoadPixel(lower, x1, d);
+        frame::BlendPixels(a, c, across);
+        frame::BlendPixels(b, d, across);
+        frame::BlendPixels(a, b, down);
+        pixel::StorePixel(row, x, a);
+    }
+    source->UnlockRow(y0);
+    source->UnlockRow(y1);
+    this->UnlockRow(y);
+}
+
+template <class Pixel, class Spool>
+bool SmImagerLayer<Pixel, Spool>::StretchBlitFast(SmImagerFrame* source, StRect const& from,
+                                                  StRect const& to) {
+    this->mUpdated = true;
+    this->EnsureScreenSafe(to);
+    if (SrHasPixels(source->GetSize())) {
+        frame::StStretchMap const map(from, to);
+        bool const onePixelType = frame::OnePixelType(*source, *this);
+        std::unique_ptr<ScSmartPixel> const smart(onePixelType ? nullptr : source->NewSmartPixel());
+        for (long y = to.top; y < to.bottom; ++y) {
+            long const sy = map.rows.PixelAt(y);
+            void const* const sourceRow = onePixelType ? source->GetRow(sy) : nullptr;
+            void* const row = onePixelType ? Row(y) : nullptr;
+            for (long x = to.left; x < to.right; ++x) {
+                if (onePixelType) {
+                    Pixel pixel{};
+                    pixel::LoadPixel(sourceRow, map.columns.PixelAt(x), pixel);
+                    pixel::StorePixel(row, x, pixel);
+                } else {
+                    source->GetPixelAt(map.columns.PixelAt(x), sy, smart.get());
+                    this->PutPixelAt(x, y, smart.get());
+                }
+            }
+        }
+    }
+    this->ReleaseScreenSafe();
+    return false;
+}
+
+template <class Pixel, class Spool>
+bool SmImagerLayer<Pixel, Spool>::StretchBlitMasked(SmImagerFrame* source, SmImagerFrame* mask,
+                                                    StRect const& from, StRect const& to) {
+    StPoint const sourceSize = source->GetSize();
+    StPoint const maskSize = mask->GetSize();
+    this->mUpdated = true;
+    this->EnsureScreenSafe(to);
+    StRect const target = frame::ClipStretchTarget(to, this->GetSize());
+    frame::StStretchMap const map(from, to);
+    frame::ScMaskPixel maskPixel;
+    for (long y = target.top; y < target.bottom; ++y) {
+        long const sy = map.rows.MaskedPixelAt(y, map.sameSize);
+        if (sy < 0 || sy >= sourceSize.vertical || y >= maskSize.vertical) continue;
+        for (long x = target.left; x < target.right; ++x) {
+            if (x >= maskSize.horizontal || !maskPixel.IsSet(mask, x, y)) continue;
+            long const sx = map.columns.MaskedPixelAt(x, map.sameSize);
+            if (sx < 0 || sx >= sourceSize.horizontal) continue;
+            StRGBA32Pixel color{};
+            source->GetPixelAt(sx, sy, color);
+            this->PutPixelAt(x, y, color);
+        }
+    }
+    this->ReleaseScreenSafe();
+    return false;
+}

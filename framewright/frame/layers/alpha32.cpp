@@ -1,0 +1,3 @@
+#include "framewright/frame/layer_impl.h"
+
+SR_INSTANTIATE_LAYERS(StAlpha32Pixel);
