@@ -35,9 +35,9 @@ struct StPathParts {
 
     std::string Text() const {
         std::string text(absolute ? "/" : "");
-        for (std::string_view part : parts) {
-            if (&part != &parts.front()) text += '/';
-            text += part;
+        for (std::size_t i = 0; i < parts.size(); ++i) {
+            if (i > 0) text += '/';
+            text += parts[i];
         }
         return text;
     }
