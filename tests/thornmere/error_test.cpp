@@ -22,7 +22,7 @@ class ScHugeMessage : public ScMessageClass {
     char const* GetText() const override { return "huge"; }
 
   private:
-    char mBallast[kMessageCapacity] = {};
+    [[maybe_unused]] char mBallast[kMessageCapacity] = {};
 };
 
 /// What SrGetExceptionValues finds in what `action` throws.

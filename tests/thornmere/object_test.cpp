@@ -103,7 +103,7 @@ class PlainOwner : public SmOwner {
 
   private:
     bool& mGone;
-    char mBallast[100] = {};
+    [[maybe_unused]] char mBallast[100] = {};
 };
 
 class CountingIndicator : public ScProgressIndicator {
