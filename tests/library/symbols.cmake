@@ -11,3 +11,10 @@ foreach(name SrGetInitializerNames SrGetStartupError)
     message(FATAL_ERROR "${name} is not exported")
   endif()
 endforeach()
+
+# Only marked classes and routines leave the library.
+string(REGEX MATCHALL "[0-9a-f]+ [A-Za-z] (std|__gnu_cxx)::[^\n]*" foreign "${symbols}")
+if(foreign)
+  list(JOIN foreign "\n  " foreign)
+  message(FATAL_ERROR "symbols that are not the library's:\n  ${foreign}")
+endif()
