@@ -4,7 +4,5 @@
 #define WEAK __attribute__((weak))
 WEAK void SrRegisterTrackTypeNames(bool) {}
 WEAK void SrInitializeGlobalMedia(bool) {}
-WEAK void SrInitColorMaps(bool) {}
-WEAK void SrInitializeMappedLayers(bool) {}
 WEAK void SrInitializeTracks(bool) {}
 WEAK void SrRegisterBmp(bool) {}

@@ -1,0 +1,7 @@
+#include "framewright/pixel/dithered_layer_impl.h"
+
+#define ROW(Record)                                                                \
+    template struct StClassFacts<SmImagerDitheredLayer<Record, ScImagerNonSpool>>; \
+    template class SmImagerDitheredLayer<Record, ScImagerNonSpool>;
+FOR_EACH_DITHERED_PIXEL(ROW)
+#undef ROW
