@@ -20,6 +20,7 @@ class FRAMEWRIGHT_EXPORT SmImagerTrack : public SmManaged<SmImagerTrack> {
   public:
     /// Sets the rate to 30 frames a second and the count to 1.
     void IImagerTrack();
+    void Free() override;
 
     // The virtual operations, in slot order.
 
@@ -78,9 +79,10 @@ class FRAMEWRIGHT_EXPORT SmImagerTrack : public SmManaged<SmImagerTrack> {
     ~SmImagerTrack() override;
     /// Has a clone of each entry; shares the prototype.
     void CloneFrom(SmImagerTrack const& other);
-    void Free() override;
 
   private:
+    SmImagerFrame* GetStoredEntry(long frame);
+
     ScVector<StRef<SmImagerFrame>> mFrames;
     StPoint mDesiredSize{200, 320};
     std::int32_t mNumberOfFrames = 1;
