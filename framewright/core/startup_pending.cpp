@@ -2,7 +2,4 @@
 #include "framewright/core/startup.h"
 
 #define WEAK __attribute__((weak))
-WEAK void SrRegisterTrackTypeNames(bool) {}
-WEAK void SrInitializeGlobalMedia(bool) {}
-WEAK void SrInitializeTracks(bool) {}
 WEAK void SrRegisterBmp(bool) {}

@@ -20,6 +20,7 @@ class FRAMEWRIGHT_EXPORT SmMedia : public SmManaged<SmMedia> {
   public:
     /// Media without tracks and location, which is what New gives too.
     void IMedia();
+    void Free() override;
 
     // The virtual operations, in slot order. `location` stays the caller's.
 
@@ -51,7 +52,6 @@ class FRAMEWRIGHT_EXPORT SmMedia : public SmManaged<SmMedia> {
     ~SmMedia() override;
     /// Shares the tracks; has a clone of the location.
     void CloneFrom(SmMedia const& other);
-    void Free() override;
 
     /// Keeps a clone of the location in place of the one before.
     void SetLocation(ScMediaLocation* location);

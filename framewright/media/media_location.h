@@ -13,6 +13,7 @@
 #include "framewright/thornmere/codes.h"
 #include "framewright/thornmere/export.h"
 #include "framewright/thornmere/files.h"
+#include "framewright/thornmere/reference.h"
 #include "framewright/thornmere/text.h"
 
 class SmStream;
@@ -83,9 +84,9 @@ class FRAMEWRIGHT_EXPORT ScMediaFileLocation : public ScMediaLocation {
 
     /// "MeFL".
     unsigned long GetClass() override;
-    /// The copy is closed. This location forgets its open stream: GetStream gives null while its use count
-    /// stands above 0, though the stream itself stays open for who has it. It is closed when this location
-    /// goes or forgets another stream.
+    /// The copy is closed. This location forgets its open stream: until the uses of it have been released
+    /// GetStream gives null. The stream itself stays open for who has it, who may also take over its
+    /// reference; the file is closed when this location goes or forgets another stream.
     ScMediaLocation* Clone() const override;
     /// Absolute or relative. True, also for a file or folder that does not exist yet. A path that names no
     /// file
@@ -123,8 +124,9 @@ class FRAMEWRIGHT_EXPORT ScMediaFileLocation : public ScMediaLocation {
     };
 
     void OpenFile(StFileSpec const& spec, StFilePermission permission);
+    SmStream* NewStream(StFileSpec const& spec);
     void ForgetStream() const;
-    static void CloseStream(StOpenStream& open);
+    void CloseForgotten() const;
 
     StFileSpec mFileSpec;
     ScHeapString mFullPath;
@@ -134,7 +136,7 @@ class FRAMEWRIGHT_EXPORT ScMediaFileLocation : public ScMediaLocation {
     StFilePermission mPermission = kFileRead;
     long mStreamUseCount = 0;
     StSearchResult mSearchResult = kSearchNotDone;
-    StFileInfo mFileInfo;  ///< valid when mSearchResult is kSearchFound
+    StFileInfo mFileInfo{};  ///< valid when mSearchResult is kSearchFound
     mutable StOpenStream mForgotten;
 };
 
@@ -151,7 +153,7 @@ class FRAMEWRIGHT_EXPORT ScMediaInline : public ScMediaLocation {
 /// A stream that is already open. It writes nothing to a stream, so a reference to it cannot be read back.
 class FRAMEWRIGHT_EXPORT ScMediaLocationOpenMedia : public ScMediaLocation {
   public:
-    ScMediaLocationOpenMedia() = default;
+    ScMediaLocationOpenMedia();
     ~ScMediaLocationOpenMedia() override;
     /// "MeSt".
     unsigned long GetClass() override;
@@ -170,7 +172,7 @@ class FRAMEWRIGHT_EXPORT ScMediaLocationOpenMedia : public ScMediaLocation {
 
   private:
     SmStream* mStream = nullptr;
-    SmStream* mOwnStream = nullptr;  ///< the stream of ReadFrom: one reference
+    StRef<SmStream> mOwnStream;  ///< the stream of ReadFrom
 };
 
 /// Reads a record that WriteTo wrote; the caller deletes the location. A kind that is not known throws

@@ -20,6 +20,7 @@ class FRAMEWRIGHT_EXPORT SmMediaManager : public SmManaged<SmMediaManager> {
   public:
     /// A manager without recognizers, which is what New gives too.
     void IMediaManager();
+    void Free() override;
 
     // The virtual operations, in slot order.
 
@@ -70,13 +71,12 @@ class FRAMEWRIGHT_EXPORT SmMediaManager : public SmManaged<SmMediaManager> {
     ~SmMediaManager() override;
     /// Shares recognizers and media; has clones of the missing locations.
     void CloneFrom(SmMediaManager const& other);
-    void Free() override;
 
   private:
-    friend void SrAddGlobalRecognizers(SmMediaManager* manager);
     friend ScVector<ScMediaLocation*>& SrGetMissingMediaList();
 
     SmMediaRecognizer* FindSurest(ScMediaLocation* location);
+    SmMediaRecognizer* FindByName(ScMediaLocation* location, unsigned long type);
 
     ScVector<StRef<SmMedia>> mOpenMedia;  ///< held on behalf of others
     ScVector<StRef<SmMediaRecognizer>> mRecognizers;

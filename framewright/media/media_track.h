@@ -32,6 +32,7 @@ class FRAMEWRIGHT_EXPORT SmMediaTrack : public SmManaged<SmMediaTrack> {
   public:
     /// Keeps a clone of the location in place of the one before.
     void Open(ScMediaLocation* location);
+    void Free() override;
 
     // The virtual operations, in slot order.
 
@@ -80,7 +81,6 @@ class FRAMEWRIGHT_EXPORT SmMediaTrack : public SmManaged<SmMediaTrack> {
     ~SmMediaTrack() override;
     /// Has a clone of the location.
     void CloneFrom(SmMediaTrack const& other);
-    void Free() override;
 
     /// The location of Open; borrowed, null before it.
     ScMediaLocation* Location() { return mLocation.get(); }

@@ -33,4 +33,7 @@ StSequenceNumber FindSequenceNumber(char const* path);
 /// stay so in the second case.
 std::string WithSequenceNumber(std::string path, long number);
 
+/// SetSequence, for a search: a name that no file system could hold is one of no file, false.
+bool TryNumber(ScMediaLocation& location, long number);
+
 }  // namespace media

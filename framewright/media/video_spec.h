@@ -32,7 +32,7 @@ class FRAMEWRIGHT_EXPORT SmVideoSpec : public SmManaged<SmVideoSpec> {
     void IVideoSpec();
 
     /// All fields in their order, big-endian: the size as two 32-bit values, type, rate and codec in 32 bits,
-    /// the quality in 16, the flag in one byte, the resolutions in 32 each. 33 bytes.
+    /// the quality in 16, the flag in one byte, the resolutions in 32 each. 31 bytes.
     void WriteTo(SmStream* stream) override;
     /// Data of an earlier class version has no resolutions; they become 72.
     void ReadFrom(SmStream* stream) override;
