@@ -1,0 +1,42 @@
+// The host's commands: each takes its parsed options and returns nothing, or throws HostError.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+struct InfoOptions {
+    std::vector<std::string> files;
+    bool json = false;
+};
+/// Prints what is known of each file. A file that fails is reported on standard error and the others are
+/// still told; returns whether all could be told.
+bool RunInfo(InfoOptions const& options);
+
+struct ListOptions {
+    bool json = false;
+};
+void RunFormats(ListOptions const& options);
+void RunPixels(ListOptions const& options);
+
+struct ConvertOptions {
+    std::string input;
+    std::string output;
+    std::string pixel;                            ///< a pixel type's code; empty keeps the picture's own
+    std::optional<std::pair<long, long>> size;    ///< rows, columns
+    std::optional<std::pair<long, long>> frames;  ///< first and last, counted from 0
+    bool dither = false;
+    bool standardPalette = false;  ///< instead of one made for the picture
+    std::optional<float> rate;     ///< frames a second
+    std::string codec;             ///< a codec's code; empty is the source's
+};
+void RunConvert(ConvertOptions const& options);
+
+enum class ShowColors { kAuto, kTrueColor, k256, kNone };
+struct ShowOptions {
+    std::string file;
+    ShowColors colors = ShowColors::kAuto;
+    int width = 0;  ///< columns of text; 0 is the terminal's width
+};
+void RunShow(ShowOptions const& options);

@@ -1,0 +1,30 @@
+#include "interrupt.h"
+
+#include <csignal>
+
+#include "host_error.h"
+
+namespace {
+volatile std::sig_atomic_t gSignal = 0;
+void RaiseFlag(int number) {
+    gSignal = number;
+}
+}  // namespace
+
+void CatchInterrupts() {
+    struct sigaction action {};
+    action.sa_handler = RaiseFlag;
+    action.sa_flags = SA_RESTART;
+    for (int number : {SIGINT, SIGTERM, SIGHUP})
+        sigaction(number, &action, nullptr);
+    action.sa_handler = SIG_IGN;
+    sigaction(SIGXFSZ, &action, nullptr);
+}
+
+void StopIfInterrupted() {
+    if (gSignal) throw HostError("interrupted");
+}
+
+int InterruptSignal() {
+    return gSignal;
+}

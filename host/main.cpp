@@ -1,0 +1,148 @@
+// framewright: the command-line host. Exit status 0, 1 when the work failed, 2 for a wrong command line.
+#include <CLI/CLI.hpp>
+#include <csignal>
+#include <iostream>
+
+#include "commands.h"
+#include "host_error.h"
+#include "interrupt.h"
+
+namespace {
+
+enum { kDone = 0, kFailed = 1, kWrongUsage = 2 };
+
+/// "A-B" or "A": the first and the last number.
+std::pair<long, long> ParsedRange(std::string const& text) {
+    std::size_t const dash = text.find('-');
+    auto const number = [&](std::string const& digits) {
+        if (digits.empty() || digits.size() > 9 ||
+            digits.find_first_not_of("0123456789") != std::string::npos)
+            throw CLI::ValidationError("--frames", "wants A-B, two frame numbers counted from 0, or one");
+        return std::stol(digits);
+    };
+    long const first = number(text.substr(0, dash));
+    long const last = dash == std::string::npos ? first : number(text.substr(dash + 1));
+    if (last < first) throw CLI::ValidationError("--frames", "the last frame comes before the first");
+    return {first, last};
+}
+
+/// "ROWSxCOLUMNS".
+std::pair<long, long> ParsedSize(std::string const& text) {
+    std::size_t const cross = text.find('x');
+    auto const number = [&](std::string const& digits) {
+        if (digits.empty() || digits.size() > 9 ||
+            digits.find_first_not_of("0123456789") != std::string::npos || std::stol(digits) == 0)
+            throw CLI::ValidationError("--size", "wants ROWSxCOLUMNS, both at least 1, like 480x640");
+        return std::stol(digits);
+    };
+    if (cross == std::string::npos) number("");
+    return {number(text.substr(0, cross)), number(text.substr(cross + 1))};
+}
+
+void AddInfo(CLI::App& app, InfoOptions& options) {
+    CLI::App* command = app.add_subcommand("info", "Tell what is in picture files");
+    command->add_option("files", options.files, "The files to tell of")->required()->option_text("FILE...");
+    command->add_flag("--json", options.json, "Print JSON");
+}
+
+void AddList(CLI::App& app, char const* name, char const* purpose, ListOptions& options) {
+    CLI::App* command = app.add_subcommand(name, purpose);
+    command->add_flag("--json", options.json, "Print JSON");
+}
+
+void AddConvert(CLI::App& app, ConvertOptions& options) {
+    CLI::App* command =
+        app.add_subcommand("convert", "Write a picture, movie or numbered sequence as another file");
+    command->add_option("input", options.input, "The file to read")->required()->option_text("IN");
+    command->add_option("output", options.output, "The file to write; its extension says the format")
+        ->required()
+        ->option_text("OUT");
+    command->add_option("--pixel", options.pixel, "Pixel type to convert through (see `framewright pixels`)")
+        ->option_text("CODE");
+    command
+        ->add_option_function<std::string>(
+            "--size", [&options](std::string const& text) { options.size = ParsedSize(text); },
+            "Scale to this size")
+        ->option_text("ROWSxCOLUMNS");
+    command->add_flag("--dither", options.dither, "Spread the error when a pixel type has few colours");
+    command
+        ->add_option_function<std::string>(
+            "--palette",
+            [&options](std::string const& text) { options.standardPalette = text == "standard"; },
+            "Colours of a mapped pixel type: made for the picture (the default) or the standard ones")
+        ->check(CLI::IsMember({"optimal", "standard"}))
+        ->option_text("optimal|standard");
+    command
+        ->add_option_function<std::string>(
+            "--frames", [&options](std::string const& text) { options.frames = ParsedRange(text); },
+            "Only these frames, counted from 0")
+        ->option_text("A-B");
+    command->add_option("--rate", options.rate, "Frames a second of the output")
+        ->check(CLI::Range(0.001, 1000000.0))
+        ->option_text("RATE");
+    command->add_option("--codec", options.codec, "Codec of the output, by its code")->option_text("CODE");
+}
+
+void AddShow(CLI::App& app, ShowOptions& options) {
+    CLI::App* command = app.add_subcommand("show", "Show a picture in the terminal");
+    command->add_option("file", options.file, "The file to show")->required()->option_text("FILE");
+    command->add_option("--width", options.width, "Columns of text; the terminal's width by default")
+        ->check(CLI::Range(1, 10000))
+        ->option_text("COLUMNS");
+    static std::map<std::string, ShowColors> const kNames{{"auto", ShowColors::kAuto},
+                                                          {"truecolor", ShowColors::kTrueColor},
+                                                          {"256", ShowColors::k256},
+                                                          {"none", ShowColors::kNone}};
+    command
+        ->add_option_function<std::string>(
+            "--color", [&options](std::string const& text) { options.colors = kNames.at(text); },
+            "Colours to use; letters alone with none")
+        ->check(CLI::IsMember(kNames))
+        ->option_text("auto|truecolor|256|none");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CatchInterrupts();
+    CLI::App app{"Reads, converts and shows pictures in old and new formats.", "framewright"};
+    app.set_version_flag("--version", "framewright " FRAMEWRIGHT_VERSION);
+    app.require_subcommand(1);
+    app.get_formatter()->column_width(34);
+
+    InfoOptions info;
+    ConvertOptions convert;
+    ListOptions formats, pixels;
+    ShowOptions show;
+    AddInfo(app, info);
+    AddConvert(app, convert);
+    AddList(app, "formats", "List the formats that can be read and written", formats);
+    AddList(app, "pixels", "List the pixel types", pixels);
+    AddShow(app, show);
+
+    try {
+        app.parse(argc, argv);
+    } catch (CLI::ParseError const& error) {
+        return app.exit(error) == 0 ? kDone : kWrongUsage;
+    }
+
+    bool done = true;
+    try {
+        if (app.got_subcommand("info")) done = RunInfo(info);
+        if (app.got_subcommand("convert")) RunConvert(convert);
+        if (app.got_subcommand("formats")) RunFormats(formats);
+        if (app.got_subcommand("pixels")) RunPixels(pixels);
+        if (app.got_subcommand("show")) RunShow(show);
+        std::cout.flush();
+        if (!std::cout) throw HostError("standard output", "can't be written");
+    } catch (std::exception const& error) {
+        std::cerr << "framewright: " << error.what() << '\n';
+        done = false;
+    }
+    if (int const number = InterruptSignal()) {
+        // Everything is cleaned up: end as the signal would have ended the program.
+        std::signal(number, SIG_DFL);
+        std::raise(number);
+    }
+    return done ? kDone : kFailed;
+}
