@@ -7,9 +7,7 @@
 
 template <class Pixel, class Spool>
 ScMC_* StClassFacts<SmImagerLayer<Pixel, Spool>>::Object() {
-    static SmImagerLayer__Class<Pixel, Spool> object(kName, ParentClass::Class(),
-                                                     sizeof(SmImagerLayer<Pixel, Spool>), kVersion);
-    return &object;
+    return SrClassObjectOnFirstUse<SmImagerLayer<Pixel, Spool>>();
 }
 
 template <class Pixel, class Spool>

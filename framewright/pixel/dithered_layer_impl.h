@@ -30,10 +30,7 @@ void DitherRows(SmImagerFrame* source, StRect const& from, SmImagerFrame* destin
 
 template <class Pixel, class Spool>
 ScMC_* StClassFacts<SmImagerDitheredLayer<Pixel, Spool>>::Object() {
-    using X = SmImagerDitheredLayer<Pixel, Spool>;
-    static SmImagerDitheredLayer__Class<Pixel, Spool> object(kName, ParentClass::Class(), sizeof(X),
-                                                             kVersion);
-    return &object;
+    return SrClassObjectOnFirstUse<SmImagerDitheredLayer<Pixel, Spool>>();
 }
 
 template <class Pixel, class Spool>

@@ -47,9 +47,7 @@ class ScStretchAxis {
 
 template <class Pixel, class Spool>
 ScMC_* StClassFacts<SmImagerMappedLayer<Pixel, Spool>>::Object() {
-    using X = SmImagerMappedLayer<Pixel, Spool>;
-    static SmImagerMappedLayer__Class<Pixel, Spool> object(kName, ParentClass::Class(), sizeof(X), kVersion);
-    return &object;
+    return SrClassObjectOnFirstUse<SmImagerMappedLayer<Pixel, Spool>>();
 }
 
 template <class Pixel, class Spool>

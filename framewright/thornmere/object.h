@@ -254,6 +254,18 @@ void SmManaged<X>::ImplementBecome([[maybe_unused]] void* other) {
     }
 }
 
+/// The class object of a template instantiation, made when it is first asked for: a family of classes has no
+/// one source file to make it in. Not destroyed: it owns nothing, and shut-down may ask for it after the
+/// statics that came into being during service have gone.
+template <class X>
+ScMC_* SrClassObjectOnFirstUse() {
+    using Facts = StClassFacts<X>;
+    alignas(ScClassObject<X>) static unsigned char storage[sizeof(ScClassObject<X>)];
+    static ScMC_* const object =
+        new (storage) ScClassObject<X>(Facts::kName, Facts::ParentClass::Class(), sizeof(X), Facts::kVersion);
+    return object;
+}
+
 // `Abstract` says that New, ImplementClone and ImplementBecome throw; a class with pure operations is
 // abstract without being told.
 #define SM_CLASS_FACTS(X, Parent, ClassVersion, Abstract)       \

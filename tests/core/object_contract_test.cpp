@@ -2,10 +2,13 @@
 // the library joins these tests by itself.
 #include <gtest/gtest.h>
 
-#include <cctype>
+#include <algorithm>
 #include <string>
 #include <vector>
 
+#include "framewright/frame/layer.h"
+#include "framewright/pixel/dithered_layer.h"
+#include "framewright/pixel/mapped_layer.h"
 #include "framewright/thornmere/memory.h"
 #include "framewright/thornmere/object.h"
 #include "framewright/thornmere/reference.h"
@@ -48,7 +51,21 @@ Object Make(ScMC_ const* cls) {
     }
 }
 
+/// The families of templates have a class object for each member, made when it is first asked for.
+void MakeFamilies() {
+#define ROW(Record, ...) SmImagerLayer<Record, ScImagerNonSpool>::Class();
+    FOR_EACH_LAYER_PIXEL(ROW)
+#undef ROW
+#define ROW(Record) SmImagerMappedLayer<Record, ScImagerNonSpool>::Class();
+    FOR_EACH_MAPPED_PIXEL(ROW)
+#undef ROW
+#define ROW(Record) SmImagerDitheredLayer<Record, ScImagerNonSpool>::Class();
+    FOR_EACH_DITHERED_PIXEL(ROW)
+#undef ROW
+}
+
 std::vector<ScMC_*> AllClasses() {
+    MakeFamilies();
     std::vector<ScMC_*> classes;
     for (ScMC_* cls = ScMC_::Next(nullptr); cls; cls = ScMC_::Next(cls))
         classes.push_back(cls);
@@ -243,6 +260,22 @@ TEST(ObjectContractOfAnAbstractClass, CannotBeMadeNorCopied) {
     expectRefusal([] { SmObjectBase::Class()->New(); });
     expectRefusal([&] { plain->ImplementClone(); });
     expectRefusal([&] { plain->ImplementBecome(other.Get()); });
+}
+
+TEST(ObjectContractOfTemplates, FamiliesShareANameAndNothingElse) {
+    struct Row {
+        char const* name;
+        long members;
+    };
+    for (Row const row : {Row{"SmImagerLayer<class template>", 24},
+                          {"SmImagerMappedLayer<class template>", 4},
+                          {"SmImagerDitheredLayer<class template>", 5}}) {
+        std::vector<ScMC_*> const classes = AllClasses();
+        EXPECT_EQ(
+            std::ranges::count_if(classes, [&](ScMC_* cls) { return cls->Name() == std::string(row.name); }),
+            row.members)
+            << row.name;
+    }
 }
 
 TEST(ReferenceInterface, NullIsAPairOfNulls) {
