@@ -33,7 +33,6 @@
 #include "framewright/pixel/color_pixels.h"
 #include "framewright/pixel/color_tables.h"
 #include "framewright/pixel/depth_pixels.h"
-#include "framewright/pixel/dither.h"
 #include "framewright/pixel/dithered_layer.h"
 #include "framewright/pixel/float_pixels.h"
 #include "framewright/pixel/gray_pixels.h"

@@ -18,9 +18,12 @@
 #include <cstdint>
 
 #include "framewright/frame/layer.h"
-#include "framewright/pixel/dither.h"
 #include "framewright/thornmere/export.h"
 #include "framewright/thornmere/vector.h"
+
+namespace pixel {
+struct StDitherError;
+}
 
 template <class Pixel, class Spool>
 class SmImagerDitheredLayer;

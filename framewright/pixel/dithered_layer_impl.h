@@ -7,6 +7,7 @@
 #include "framewright/frame/copy_road.h"
 #include "framewright/frame/storage_choice.h"
 #include "framewright/pixel/blit_part.h"
+#include "framewright/pixel/dither.h"
 #include "framewright/pixel/dithered_layer.h"
 #include "framewright/pixel/source_rows.h"
 #include "framewright/thornmere/reference.h"
