@@ -52,6 +52,15 @@ StRef<PlainLayer<Record>> MakeLayer(StPoint const& size) {
     return layer;
 }
 
+template <class, class... Records>
+struct DropFirst {
+    using type = testing::Types<Records...>;
+};
+#define ROW(Record, ...) , Record
+/// For typed tests.
+using AllRecords = DropFirst<void FOR_EACH_LAYER_PIXEL(ROW)>::type;
+#undef ROW
+
 /// One layer type and the rules of its record.
 struct StKind {
     char const* name;

@@ -420,7 +420,7 @@ TEST(Memory, RefusedAtEachAllocation_LeavesNothing) {
 
 TEST(Memory, PixelAccessAsksForNone) {
     for (StKind const& kind : Kinds()) {
-        FrameRef const frame = kind.make({2, 2});
+        FrameRef const frame = kind.make({2, 8});
         SmartRef const smart(frame->NewSmartPixel());
         SrSetAllocationGate([](std::size_t) { return false; });
         StRGBA32Pixel color{};
@@ -444,8 +444,8 @@ TEST(Memory, PixelAccessAsksForNone) {
                       frame->MergePixelAt(1, 1, color);
                       frame->GetFractionalSmartPixel(0.5f, 0.5f, smart.get());
                       frame->GetFractionalUVPixel(0.5f, 0.5f, color, SkNoTilings(), 0);
-                      frame->BlitRect(frame.Get(), {0, 0, 2, 2}, {0, 0});
-                      frame->MergeRect(frame.Get(), {0, 0, 2, 2}, {0, 0});
+                      frame->BlitRect(frame.Get(), {0, 0, 2, 8}, {0, 0});
+                      frame->MergeRect(frame.Get(), {0, 0, 2, 8}, {0, 0});
                       frame->StretchBlit(frame.Get(), {0, 0, 2, 2}, {0, 0, 2, 2});
                   }),
                   0)
