@@ -1,16 +1,165 @@
 // A host that links the shared library: what it uses here must be exported.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <string>
 
 #include "framewright/framewright.h"
 
+// A managed class of the host's own.
+SM_CLASS(SmHostObject, SmObject, 3);
+class SmHostObject : public SmManaged<SmHostObject> {
+    friend SmManaged<SmHostObject>;
+};
+SM_DEFINE_CLASS(SmHostObject);
+
 namespace {
+
+using Frame = StRef<SmImagerFrame>;
 
 /// Built before main, when set-up must already be over.
 std::size_t const gInitializersSeenByAStatic = SrGetInitializerNames().size();
 
+Frame MakeFrame(StPoint size, std::uint32_t pixelID) {
+    return Frame::Adopt(SrMakeFrame(size, pixelID, false, false));
+}
+
 TEST(ExportedNames, LibraryIsInServiceBeforeTheHostsOwnStatics) {
     EXPECT_EQ(SrGetStartupError(), 0);
     EXPECT_EQ(gInitializersSeenByAStatic, 19u);
+}
+
+TEST(ExportedNames, FramesOfEveryRegisteredTypeCanBeMadeAndDrawnOn) {
+    unsigned long pixelID = 0;
+    char const* name = nullptr;
+    int types = 0;
+    for (; ScLayerNameRegistry::GetObjectByIndex(types, pixelID, name); ++types) {
+        SCOPED_TRACE(name);
+        Frame const frame = MakeFrame({3, 5}, static_cast<std::uint32_t>(pixelID));
+        ASSERT_TRUE(frame);
+        EXPECT_EQ(frame->PixelID(), pixelID);
+        frame->Erase();
+        frame->PutPixelAt(4, 2, StRGBA32Pixel{0, 0, 0, 255});
+        StRGBA32Pixel color{};
+        frame->GetPixelAt(4, 2, color);
+        Frame const copy = Frame::Adopt(static_cast<SmImagerFrame*>(frame->ImplementClone()));
+        EXPECT_EQ(copy->GetClass(), frame->GetClass());
+    }
+    EXPECT_EQ(types, 21);
+}
+
+TEST(ExportedNames, PixelsGoThroughFrames) {
+    Frame const source = MakeFrame({2, 2}, SrCode("ColB")), copy = MakeFrame({2, 2}, SrCode("RG24"));
+    ASSERT_TRUE(source && copy);
+    source->PutPixelAt(1, 0, StRGBA32Pixel{10, 20, 30, 255});
+    copy->BlitRect(source.Get(), {0, 0, 2, 2}, {0, 0});
+    StRGBA32Pixel const color = copy->GetRGBAPixelAt(1, 0);
+    EXPECT_EQ(color.blue, 10);
+    EXPECT_EQ(color.green, 20);
+    EXPECT_EQ(color.red, 30);
+}
+
+/// A host may derive from a layer without the class machinery.
+class SpyLayer : public SmImagerLayer<StRGBA32Pixel, ScImagerNonSpool> {
+  public:
+    using SmImagerLayer::GetPixelAt;
+    StRGBA32Pixel GetRGBAPixelAt(long x, long y) override {
+        ++calls;
+        return SmImagerLayer::GetRGBAPixelAt(x, y);
+    }
+    int calls = 0;
+};
+
+TEST(ExportedNames, LayersCanBeDerivedFrom) {
+    auto const spy = StRef<SpyLayer>::Adopt(new SpyLayer);
+    spy->IImagerLayer({0, 0}, {2, 2}, false, nullptr, 0, nullptr);
+    spy->PutPixelAt(1, 1, StRGBA32Pixel{1, 2, 3, 4});
+    SmImagerFrame* const frame = spy.Get();
+    EXPECT_EQ(frame->GetRGBAPixelAt(1, 1).red, 3);
+    EXPECT_EQ(spy->calls, 1);
+    EXPECT_TRUE(frame->IsMemberOf(SmImagerFrame::Class()));
+}
+
+class SpyStream : public SmMemoryStream {};
+class SpyRecognizer : public SmMediaRecognizer {};
+class SpyMedia : public SmMedia {};
+class SpyTrack : public SmMediaTrack {};
+class SpySimple : public SmMediaSimple {};
+
+template <class Spy, class Base>
+void ExpectUsable() {
+    auto const spy = StRef<Spy>::Adopt(new Spy);
+    ASSERT_TRUE(spy);
+    EXPECT_EQ(spy->ReferenceCount(), 1);
+    EXPECT_TRUE(spy->IsMemberOf(Base::Class()));
+}
+
+TEST(ExportedNames, BasesCanBeDerivedFrom) {
+    ExpectUsable<SpyStream, SmMemoryStream>();
+    ExpectUsable<SpyRecognizer, SmMediaRecognizer>();
+    ExpectUsable<SpyMedia, SmMedia>();
+    ExpectUsable<SpyTrack, SmMediaTrack>();
+    ExpectUsable<SpySimple, SmMediaSimple>();
+}
+
+TEST(ExportedNames, HostsHaveManagedClassesOfTheirOwn) {
+    auto const object = StRef<SmHostObject>::Adopt(SmHostObject::New());
+    EXPECT_STREQ(object->GetClassName(), "SmHostObject");
+    EXPECT_EQ(object->GetClassVersion(), 3);
+    auto const copy = StRef<SmHostObject>::Adopt(object->Clone());
+    EXPECT_TRUE(copy->IsMemberOf(SmObject::Class()));
+    auto const named =
+        StRef<SmObjectBase>::Adopt(static_cast<SmObjectBase*>(SmObject::NewByClassName("SmHostObject")));
+    EXPECT_EQ(named->GetClass(), SmHostObject::Class());
+}
+
+TEST(ExportedNames, ErrorsReachTheHost) {
+    try {
+        SmImagerFrame::New();
+        FAIL() << "nothing was thrown";
+    } catch (std::exception const& exception) {
+        ScMessageClass* message = nullptr;
+        EXPECT_EQ(SrGetExceptionValues(exception, message), SkAbstractClassErrC());
+        EXPECT_EQ(message, nullptr);
+        EXPECT_STRNE(exception.what(), "");
+    }
+}
+
+TEST(ExportedNames, SetUpRoutinesCanBeRunByTheHost) {
+    SrRegisterBmp(true);
+    EXPECT_EQ(SrGlobalMediaManager()->GetRecognizerByType(SrCode("BMP ")), nullptr);
+    SrRegisterBmp(false);
+    EXPECT_NE(SrGlobalMediaManager()->GetRecognizerByType(SrCode("BMP ")), nullptr);
+}
+
+TEST(ExportedNames, PictureIsSavedAndLoaded) {
+    char folder[] = "/tmp/framewright-exported-XXXXXX";
+    ASSERT_TRUE(mkdtemp(folder));
+    std::string const path = std::string(folder) + "/picture.bmp";
+    Frame const frame = MakeFrame({2, 3}, SrCode("RG24"));
+    ASSERT_TRUE(frame);
+    frame->Erase();
+    frame->PutPixelAt(2, 1, StRGBA32Pixel{10, 20, 30, 255});
+    {
+        ScMediaFileLocation location;
+        ASSERT_TRUE(location.SetFullPath(path.c_str()));
+        SrSaveObjectToMedia(&location, SmImagerFrame::Class(), frame.Get(), SrCode("BMP "), nullptr);
+    }
+    {
+        ScMediaFileLocation location;
+        ASSERT_TRUE(location.SetFullPath(path.c_str()));
+        ScMC_* objectClass = nullptr;
+        SmObject* object = nullptr;
+        SrLoadObjectFromMedia(&location, objectClass, object, 0, nullptr);
+        ASSERT_TRUE(object);
+        auto const loaded = Frame::Adopt(static_cast<SmImagerFrame*>(object));
+        EXPECT_EQ(loaded->GetSize().vertical, 2);
+        EXPECT_EQ(loaded->GetSize().horizontal, 3);
+        EXPECT_EQ(loaded->GetRGBAPixelAt(2, 1).red, 30);
+    }
+    std::filesystem::remove_all(folder);
 }
 
 }  // namespace

@@ -25,6 +25,21 @@ int UseFramewright(void* object, StReferenceCountableFunctionTable const* table)
     CHECK(std::strcmp(text, "abc") == 0);
     stream->ReleaseReference();
 
+    SmImagerFrame* const frame = SrMakeFrame({4, 4}, SrCode("ColB"), false, false);
+    CHECK(frame);
+    frame->Erase();
+    frame->PutPixelAt(3, 3, StRGBA32Pixel{1, 2, 3, 255});
+    CHECK(frame->GetRGBAPixelAt(3, 3).red == 3);
+    SrAutoDisposeObject(StRef<SmImagerFrame>::AsReferenceCountableInterface(frame));
+
+    // A class that no registry holds: its class object comes into being here.
+    auto* const layer = SmImagerLayer<StRGB48Pixel, ScImagerNonSpool>::New();
+    CHECK(layer);
+    layer->ReleaseReference();
+
+    CHECK(SrGlobalMediaManager());
+    CHECK(SrGlobalMediaManager()->GetRecognizerByType(SrCode("BMP ")));
+
     // Whatever a thread keeps of an error must not hold the library in memory.
     try {
         ScMessageBuzzStrings message(SkAlertStrings(), 7, 1, 1, SkSimpleAlert());
