@@ -8,5 +8,7 @@ target_compile_options(framewright_options INTERFACE
 if(FRAMEWRIGHT_SANITIZE)
   target_compile_options(framewright_options INTERFACE
     -fsanitize=${FRAMEWRIGHT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  # The checks that it inserts make g++ see uninitialised values in the standard library where there are none.
+  target_compile_options(framewright_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(framewright_options INTERFACE -fsanitize=${FRAMEWRIGHT_SANITIZE})
 endif()

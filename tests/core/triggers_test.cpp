@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -82,12 +81,12 @@ Names Split(std::string const& text) {
 }
 
 Names DeclaredIn(std::filesystem::path const& file) {
-    static std::regex const declaration(R"(^SR_DEPENDS_ON\((\w+)\);$)");
+    std::string const start = "SR_DEPENDS_ON(", end = ");";
     Names names;
     std::ifstream lines(file);
-    std::smatch match;
     for (std::string line; std::getline(lines, line);)
-        if (std::regex_match(line, match, declaration)) names.push_back(match[1]);
+        if (line.starts_with(start) && line.ends_with(end))
+            names.push_back(line.substr(start.size(), line.size() - start.size() - end.size()));
     return names;
 }
 
