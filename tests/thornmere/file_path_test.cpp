@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -187,6 +188,22 @@ TEST(PathString, LyingLengthsThrow) {
         EXPECT_EQ(CaughtCode([&] { SrGetPathStringFromStream(stream.Get(), path); }), row.error);
         EXPECT_STREQ(path.AsCString(), "kept");
     }
+}
+
+TEST(PathString, NothingIsReadForALengthBeyondTheEnd) {
+    class Watched : public SmMemoryStream {
+      public:
+        void* Read(unsigned int size, void* destination) override {
+            largest = std::max(largest, size);
+            return SmMemoryStream::Read(size, destination);
+        }
+        unsigned int largest = 0;
+    };
+    auto const stream = StRef<Watched>::Adopt(new Watched);
+    stream->IMemoryStream("\0\0\377\377abc", 7);
+    ScHeapString path;
+    EXPECT_EQ(CaughtCode([&] { SrGetPathStringFromStream(stream.Get(), path); }), -39);
+    EXPECT_EQ(stream->largest, 4u) << "the length alone";
 }
 
 TEST(PathString, StreamThatDoesNotKnowItsEnd) {

@@ -28,6 +28,7 @@ class SmOwner : public SmManaged<SmOwner> {
     }
     void Free() override {
         ++sFreed;
+        sCountInFree = ReferenceCount();
         SrDeallocateIfPointer(mBlock, sizeof(int));
         mShared = {};
         if (refersToItselfInFree) StRef<SmOwner>(this).Get();
@@ -46,6 +47,7 @@ class SmOwner : public SmManaged<SmOwner> {
     bool refersToItselfInFree = false;
 
     static inline int sFreed = 0, sDestroyed = 0, sDeepened = 0;
+    static inline long sCountInFree = 0;
 
   protected:
     SmOwner() = default;
@@ -216,18 +218,17 @@ TEST_F(Object, InstanceCounterCountsNewCloneAndBecome) {
 }
 
 TEST_F(Object, ObjectsOfOneClassAreMadeOnSeveralThreads) {
-    long const before = SmOwner::Class()->InstanceCount();
+    long const before = SmMemoryStream::Class()->InstanceCount();
     {
         std::vector<std::jthread> threads;
         for (int i = 0; i < 4; ++i) {
             threads.emplace_back([] {
                 for (int n = 0; n < 500; ++n)
-                    StRef<SmTableOwner>::Adopt(SmTableOwner::New());
+                    StRef<SmMemoryStream>::Adopt(SmMemoryStream::New());
             });
         }
     }
-    EXPECT_EQ(SmOwner::Class()->InstanceCount(), before);
-    SmOwner::sFreed = 0;
+    EXPECT_EQ(SmMemoryStream::Class()->InstanceCount(), before + 2000);
 }
 
 // --- New, references, the end
@@ -487,6 +488,7 @@ TEST_F(Object, FailingBecomeRestoresEverything) {
     EXPECT_EQ(a->Value(), 1);
     EXPECT_EQ(sharedA->ReferenceCount(), 2);
     EXPECT_EQ(SmOwner::sFreed, 1) << "what was half built";
+    EXPECT_EQ(SmOwner::sCountInFree, 2) << "the constructor's one and one to guard it";
     EXPECT_EQ(sharedB->ReferenceCount(), 2) << "and the other keeps its own";
     EXPECT_EQ(b->Value(), 2);
     for (int i = 0; i < 4; ++i)

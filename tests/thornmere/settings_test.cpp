@@ -100,9 +100,9 @@ TEST_F(Settings, DamagedFilesAreRead) {
         {" key\n", true},   // no byte at all
         {"00key\n", true},
         {"00 KEY\n", true},
-        {"0001 key\n", false},        // the first byte counts
-        {"00 key\n01 key\n", false},  // the first line counts
-        {std::string(2000000, 'x'), true},
+        {"0001 key\n", false},                           // the first byte counts
+        {"00 key\n01 key\n", false},                     // the first line counts
+        {"00 key\n" + std::string(2000000, 'x'), true},  // too long for settings
         {std::string("\xFF\xFE\0 key\n00 key\n", 15), false},
     };
     for (StRow const& row : rows) {
