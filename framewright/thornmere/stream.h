@@ -41,15 +41,16 @@ class FRAMEWRIGHT_EXPORT SmStream : public SmManaged<SmStream> {
     void SetStoredClassVersion(ScMC_ const* cls, int version);
 
     /// Numbers in big-endian order, T being any integer or float of 1, 2, 4 or 8 bytes. A `long` has the
-    /// width of the machine: give the width of the file's field, PutBigEndian<std::int32_t>(value).
+    /// width of the machine: give the width of the file's field, PutBigEndian<std::int32_t>(value). Flags are
+    /// PutBit's.
     template <class T>
     void PutBigEndian(T value) {
-        static_assert(std::is_arithmetic_v<T>);
+        static_assert(std::is_arithmetic_v<T> && !std::is_same_v<T, bool>);
         Write(sizeof(T), BigEndianByteSwap(sizeof(T), &value));
     }
     template <class T>
     T GetBigEndian() {
-        static_assert(std::is_arithmetic_v<T>);
+        static_assert(std::is_arithmetic_v<T> && !std::is_same_v<T, bool>);
         T value{};
         Read(sizeof(T), &value);
         BigEndianByteSwap(sizeof(T), &value);
