@@ -1,0 +1,62 @@
+// Which frames are read and written by whole rows in memory, and which pixel by pixel through their
+// operations. Both roads give the same pixels; the first needs no virtual call a pixel.
+#pragma once
+
+#include "framewright/frame/frame.h"
+#include "framewright/frame/registries.h"
+#include "framewright/pixel/pixels.h"
+
+namespace bmp {
+
+/// Whether a row's address leads to pixels that lie there one after the other in the form of the frame's
+/// record. So it is with the classes that the frame factory makes; a frame of another class, a window onto a
+/// part of a parent for one, may move or convert pixels on their way.
+inline bool HasPlainRows(SmImagerFrame* frame) {
+    SmImagerFrame* prototype = nullptr;
+    return ScLayerRegistry::GetObjectByID(frame->GetClass(), false, prototype);
+}
+
+/// A list of records, for choosing one by the id that a frame gives.
+template <class... Records>
+struct StRecordList {
+    static bool Contains(unsigned long pixelID) { return ((pixelID == Records::PixelID()) || ...); }
+    /// Calls `visit` with a record of that id; does nothing for an id that is not in the list.
+    template <class Visitor>
+    static void Visit(unsigned long pixelID, Visitor visit) {
+        (void)((pixelID == Records::PixelID() && (visit(Records{}), true)) || ...);
+    }
+};
+
+/// The colour records of the frames that are common with BMP files.
+using ColorRecords = StRecordList<StRGBA32Pixel, StRGB32Pixel, StRGB24Pixel, StRGB15Pixel>;
+using MappedRecords = StRecordList<StMapped8Pixel, StMapped4Pixel, StMapped2Pixel, StMapped1Pixel>;
+
+/// Keeps one row of a frame in memory, and its address at hand while row after row is visited.
+class ScLockedRow {
+  public:
+    explicit ScLockedRow(SmImagerFrame* frame) : mFrame(frame) {}
+    ScLockedRow(ScLockedRow const&) = delete;
+    ScLockedRow& operator=(ScLockedRow const&) = delete;
+    ~ScLockedRow() { Unlock(); }
+
+    void* At(long row) {
+        if (row != mRow) {
+            Unlock();
+            mAddress = mFrame->LockRow(row);
+            mRow = row;
+        }
+        return mAddress;
+    }
+
+  private:
+    void Unlock() {
+        if (mRow >= 0) mFrame->UnlockRow(mRow);
+        mRow = -1;
+    }
+
+    SmImagerFrame* mFrame;
+    long mRow = -1;
+    void* mAddress = nullptr;
+};
+
+}  // namespace bmp
