@@ -1,0 +1,71 @@
+// Reads anything as the stream form of a colour map. A map that was read is used, written, and read again,
+// which must give the same bytes.
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+#include "framewright/pixel/color_map.h"
+#include "framewright/thornmere/error.h"
+#include "framewright/thornmere/memory.h"
+#include "framewright/thornmere/reference.h"
+#include "framewright/thornmere/stream.h"
+
+namespace {
+
+using ColorMap = ScColorMap<unsigned char, StRGBA32Pixel>;
+
+StRef<SmMemoryStream> StreamOf(void const* data, std::size_t size) {
+    auto stream = StRef<SmMemoryStream>::Adopt(SmMemoryStream::New());
+    stream->IMemoryStream(data, static_cast<unsigned int>(size));
+    return stream;
+}
+
+void Run(std::uint8_t const* data, std::size_t size) {
+    ColorMap map;
+    map.GetFromStream(*StreamOf(data, size));
+
+    auto const first = StreamOf(nullptr, 0);
+    map.PutToStream(*first);
+    ColorMap again;
+    again.GetFromStream(*StreamOf(first->Data(), first->GetLength()));
+    auto const second = StreamOf(nullptr, 0);
+    again.PutToStream(*second);
+    if (first->GetLength() != second->GetLength() ||
+        std::memcmp(first->Data(), second->Data(), first->GetLength()) != 0) {
+        std::abort();
+    }
+
+    // Lookups write to the cache, colours change the used count: whatever came from the stream, no index
+    // leads outside.
+    ColorMap copy;
+    SrCopyColorMap(&copy, &map);
+    for (unsigned cell = 0; cell < 4096; ++cell) {
+        StRGBA32Pixel const color{static_cast<unsigned char>(cell << 4),
+                                  static_cast<unsigned char>(cell & 0xF0),
+                                  static_cast<unsigned char>(cell >> 4 & 0xF0), 255};
+        unsigned char const index = map.ClosestColorIndex(color);
+        map[index] = color;
+        copy.ClosestColorIndex(color);
+        if (cell % 64 == 0) map.SetColor(static_cast<unsigned char>(cell >> 4), color);
+    }
+    StuffDefaultColors(map, 0);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    SrSetAllocationGate([](std::size_t size) { return size <= 1 << 20; });
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+    try {
+        Run(data, size);
+    } catch (std::exception const& exception) {
+        ScMessageClass* message = nullptr;
+        long const code = SrGetExceptionValues(exception, message);
+        if (code != SkEndOfFile() && code != SkBadFileVersionErrC() && code != SkBadFileFormatErrC())
+            std::abort();
+    }
+    return 0;
+}
