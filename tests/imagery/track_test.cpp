@@ -352,6 +352,8 @@ TEST(ImagerTrack, FrameNumberForTime_AsksForTheDuration) {
     track->SetFrameRate(10.0F);
     track->SetLoop(true, false);
     EXPECT_EQ(track->FrameNumberForTime(5.0), 10);
+    track->SetFrameRate(-10.0F);
+    EXPECT_EQ(track->FrameNumberForTime(0.55), -6) << "-5.49999, rounded down";
 }
 
 // --- life

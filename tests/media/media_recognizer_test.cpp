@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "framewright/thornmere/settings.h"
 #include "media/media_test_support.h"
 
 namespace {
@@ -37,6 +38,8 @@ TEST(MediaFileDesc, EqualsItsExtensionInAnyCase) {
         EXPECT_TRUE(row == same) << same;
         EXPECT_FALSE(row != same) << same;
     }
+    StMediaFileDesc const ends{SrCode("ends"), 0, "aZ", 0, ""};
+    EXPECT_TRUE(ends == "Az");
     // The characters around the letters are no letters.
     StMediaFileDesc const odd{SrCode("odd "), 0, "@[`{", 0, ""};
     for (char const* other : {"", "pic", "pictu", "p ct", ".pict"}) {
@@ -116,6 +119,15 @@ TEST(AppendFileExtensions, KeepsWhatIsSet) {
     SgSetAppendFileExtensions(true);
     EXPECT_TRUE(SgGetAppendFileExtensions());
     SgSetAppendFileExtensions(before);
+}
+
+TEST(AppendFileExtensions, AreKeptUnderTheirKey) {
+    using Flag = ScPersistentData<bool, ScNormalPersistentBehavior<bool>>;
+    bool const before = SgGetAppendFileExtensions();
+    SgSetAppendFileExtensions(!before);
+    EXPECT_EQ(Flag(nullptr, "Add file extensions to filenames", before).GetValue(), !before);
+    SgSetAppendFileExtensions(before);
+    EXPECT_EQ(Flag(nullptr, "Add file extensions to filenames", !before).GetValue(), before);
 }
 
 }  // namespace

@@ -158,6 +158,41 @@ TEST(SequenceNumber, Count_TriesNoMoreNumbersThanTheDigitsCanCount) {
     EXPECT_EQ(SrCountSequentialFiles(LocationOf(folder.Path("a09.pic")).get()), 100);
 }
 
+/// A location of a folder that has every file.
+class Everywhere : public ScMediaFileLocation {
+  public:
+    explicit Everywhere(std::string path) : mPath(std::move(path)) {}
+    ScMediaLocation* Clone() const override { return new Everywhere(mPath); }
+    bool GetFullPath(ScSx& path) override {
+        path.Assign(mPath.c_str());
+        return true;
+    }
+    bool SetFullPath(char const* path) override {
+        mPath = path;
+        return true;
+    }
+    StSearchResult GetFileInfo(StFileInfo&) override { return kSearchFound; }
+
+  private:
+    std::string mPath;
+};
+
+TEST(SequenceNumber, Count_IsLimitedByTheDigits) {
+    struct {
+        char const* path;
+        long count;
+    } const rows[] = {
+        {"a01.pic", 100},        {"a001.pic", 1000},     {"a0001.pic", 10000}, {"a00001.pic", 100000},
+        {"a000001.pic", 100000}, {"a99999.pic", 100000}, {"a0x1.pic", 1},  // a lone digit each
+        {"a00x1.pic", 10000},    // the span counts, with its letters
+        {"a4294967200.pic", 1},  // wrapped below 0
+    };
+    for (auto const& row : rows) {
+        Everywhere location(row.path);
+        EXPECT_EQ(SrCountSequentialFiles(&location), row.count) << row.path;
+    }
+}
+
 TEST(SequenceNumber, Count_EndsAtANameTooLongToExist) {
     // The next number takes four characters more than a file name may have.
     TempFolder const folder;
