@@ -10,6 +10,7 @@
 #include "framewright/frame/sampling.h"
 #include "framewright/frame/storage_choice.h"
 #include "framewright/pixel/dithered_layer_impl.h"
+#include "framewright/pixel/mapped_index.h"
 #include "framewright/pixel/mapped_layer.h"
 #include "framewright/pixel/smart_pixel.h"
 #include "framewright/platform/dib_colors.h"
@@ -137,7 +138,7 @@ StRGBA32Pixel SmImagerMappedLayer<Pixel, Spool>::ColorOf(Pixel const& pixel) {
 template <class Pixel, class Spool>
 Pixel SmImagerMappedLayer<Pixel, Spool>::ClosestTo(StRGBA32Pixel color) {
     Pixel pixel{};
-    pixel.index = Map().ClosestColorIndex(color) & (kMapEntries - 1);
+    pixel::SetNearest(pixel, color, Map());
     return pixel;
 }
 
