@@ -191,8 +191,8 @@ class FRAMEWRIGHT_EXPORT SmImagerLayer : public SmManaged<SmImagerLayer<Pixel, S
     Spool mSpooler;
 };
 
-#define ROW(Record, ...)                                                          \
+#define SR_ROW(Record, ...)                                                       \
     extern template struct StClassFacts<SmImagerLayer<Record, ScImagerNonSpool>>; \
     extern template class SmImagerLayer<Record, ScImagerNonSpool>;
-FOR_EACH_LAYER_PIXEL(ROW)
-#undef ROW
+FOR_EACH_LAYER_PIXEL(SR_ROW)
+#undef SR_ROW

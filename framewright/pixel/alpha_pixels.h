@@ -43,8 +43,9 @@ struct FRAMEWRIGHT_EXPORT StAlpha8Pixel {
 ///     byte   0 ... 3
 ///             alpha
 ///
-/// From a colour each alpha byte goes to 0x10101010 times itself, so opaque becomes 0xFFFFFFF0 and not
-/// 0xFFFFFFFF; files rely on it. From a float, 1.0 is 2 to the 32 and keeps no low bits: it gives 0.
+/// From a colour each alpha byte goes to 0x10101010 times itself, of which 32 bits are kept: opaque becomes
+/// 0xFFFFFFF0 and not 0xFFFFFFFF, and 128 becomes 0x08080800, which reads back as 8. From a float, 1.0 is 2
+/// to the 32 and keeps no low bits: it gives 0.
 struct FRAMEWRIGHT_EXPORT StAlpha32Pixel {
     std::uint32_t alpha;
 

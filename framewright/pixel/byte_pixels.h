@@ -3,8 +3,8 @@
 
 #include "framewright/pixel/color_pixels.h"
 
-/// Four bytes: blue, green, red, filler. The filler is never looked at and no conversion writes it; the
-/// colour is opaque.
+/// Four bytes: blue, green, red, filler. The filler is never interpreted and no conversion of a
+/// colour writes it: only whole records and streams carry it. The colour is opaque.
 ///
 ///     byte   0     1      2    3
 ///           blue  green  red  filler
@@ -67,7 +67,7 @@ struct FRAMEWRIGHT_EXPORT StRGB24Pixel {
 };
 static_assert(sizeof(StRGB24Pixel) == 3);
 
-/// One 16-bit word: five bits a channel and a spare flag, which no conversion writes.
+/// One 16-bit word: five bits a channel and a spare flag, which no conversion of a colour writes.
 ///
 ///     bit   15    14 ... 10   9 ... 5   4 ... 0
 ///          flag      red       green      blue

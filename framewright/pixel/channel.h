@@ -1,5 +1,5 @@
-// The arithmetic that all pixel records share: scales, truncations, expansions, the weights of Blend. Every
-// rule is here once.
+// The arithmetic that all pixel records share: scales, truncations, expansions, the weights of Blend. What
+// only one kind of record needs stands beside that record.
 //
 // Float to integer truncates toward zero and keeps the low bits; nothing rounds to nearest and nothing is
 // clamped, so 1.5 becomes the byte 126. Sums and products with a constant run in double, and the result is

@@ -9,7 +9,7 @@
 ///           cyan  magenta  yellow  black
 ///
 /// Orange (255, 128, 0) is 00 7F FF 00. The inks of a channel are taken off 255 and wrap below 0: cyan 200
-/// with black 100 is red 211. That is how such pictures have always looked here.
+/// with black 100 is red 211. Nothing clamps them.
 struct FRAMEWRIGHT_EXPORT StCMYKPixel {
     std::uint8_t cyan, magenta, yellow, black;
 

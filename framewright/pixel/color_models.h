@@ -13,7 +13,8 @@
 /// A hue that comes out negative is not brought to its angle: -30 is stored as 65506 and then as 65146. The
 /// way back knows no such sector.
 FRAMEWRIGHT_EXPORT void SrConvertPixel(StRGBA32Pixel const& from, StHSLAPixel& to);
-/// A hue of 420 degrees and more leaves red, green and blue as they were.
+/// A hue of 420 degrees and more leaves red, green and blue as they were, unless the colour is black by its
+/// lightness.
 FRAMEWRIGHT_EXPORT void SrConvertPixel(StHSLAPixel const& from, StRGBA32Pixel& to);
 FRAMEWRIGHT_EXPORT void SrConvertPixel(StRGBA32Pixel const& from, StHSVAPixel& to);
 FRAMEWRIGHT_EXPORT void SrConvertPixel(StHSVAPixel const& from, StRGBA32Pixel& to);

@@ -5,8 +5,9 @@
 
 namespace pixel {
 
-// What a sum of three bytes is multiplied by to fill an integer depth, after the mean: 257, 65793 and
-// 16843008 spread a byte over two, three and four. The mean of bytes is taken with the float third.
+// What the mean of three bytes is multiplied by to fill an integer depth. 257 and 65793 spread a byte over
+// two and three; 16843008 is 0x01010100 and leaves the lowest of four bytes out, so white is 0xFFFFFF80
+// there. The mean is taken with the float third.
 inline constexpr double kByteMean = kInverseTriFloat;
 inline constexpr double kBytesToDepth16 = 257.0;
 inline constexpr double kBytesToDepth24 = 65793.0;
@@ -104,8 +105,8 @@ struct FRAMEWRIGHT_EXPORT StDepthUInt16Pixel {
     void ConvertSmart(ScSmartPixel const* source);
     /// One big-endian word.
     void GetFromStream(SmStream& stream);
-    /// Reads, as GetFromStream does, and writes nothing. Files that hold this depth have been made so, and
-    /// the 24- and 32-bit depths do the same: of the integer depths only eight bits save this way.
+    /// Reads, as GetFromStream does, and writes nothing. The 24- and 32-bit depths do
+    /// the same: of the integer depths only eight bits save this way.
     void PutToStream(SmStream& stream) { GetFromStream(stream); }
 
     StRGBA32Pixel GetRGBA32() const { return pixel::DepthGray(pixel::WordToByte(depth)); }

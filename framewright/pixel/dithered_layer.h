@@ -96,8 +96,8 @@ class FRAMEWRIGHT_EXPORT SmImagerDitheredLayer : public SmManaged<SmImagerDither
     ROW(StMapped2Pixel)            \
     ROW(StMapped1Pixel)
 
-#define ROW(Record)                                                                       \
+#define SR_ROW(Record)                                                                    \
     extern template struct StClassFacts<SmImagerDitheredLayer<Record, ScImagerNonSpool>>; \
     extern template class SmImagerDitheredLayer<Record, ScImagerNonSpool>;
-FOR_EACH_DITHERED_PIXEL(ROW)
-#undef ROW
+FOR_EACH_DITHERED_PIXEL(SR_ROW)
+#undef SR_ROW

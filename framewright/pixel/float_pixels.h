@@ -1,6 +1,8 @@
 // Records of floats that no layer is made of: colour with transmission, and velocity.
 #pragma once
 
+#include <cmath>
+
 #include "framewright/pixel/color_pixels.h"
 
 /// Four floats: red, green, blue, transmission. The one record that stores how much shines through:

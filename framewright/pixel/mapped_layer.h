@@ -126,11 +126,11 @@ class FRAMEWRIGHT_EXPORT SmImagerMappedLayer : public SmManaged<SmImagerMappedLa
     std::unique_ptr<ScPalette> mMap;
 };
 
-#define ROW(Record)                                                                     \
+#define SR_ROW(Record)                                                                  \
     extern template struct StClassFacts<SmImagerMappedLayer<Record, ScImagerNonSpool>>; \
     extern template class SmImagerMappedLayer<Record, ScImagerNonSpool>;
-FOR_EACH_MAPPED_PIXEL(ROW)
-#undef ROW
+FOR_EACH_MAPPED_PIXEL(SR_ROW)
+#undef SR_ROW
 
 /// Whether `frame` is a mapped layer whose rows stay in memory; a spooled one does not count.
 FRAMEWRIGHT_EXPORT bool SrIsColorMappedFrame(SmImagerFrame* frame);

@@ -15,8 +15,8 @@ class SmImagerFrame;
 ///
 /// The tree is built while the pixels are read, left to right and top to bottom, and reduced when it has too
 /// many leaves. A leaf that was never reduced gives the mean of its pixels. One that was gives the sum of its
-/// pixels divided by the number of leaves it was merged from, cut to a byte: not a mean, and required to
-/// stay, since it is what the palettes of this system have always been.
+/// pixels divided by the number of leaves it was merged from, cut to a byte: not a mean, and kept so that
+/// the palettes of one picture stay the same.
 ///
 /// `progress`, which may be null, hears of each row. Memory that is refused throws -108. On any exception,
 /// also one that `progress` or the frame throws, the tree's memory is given back and the map is as before.

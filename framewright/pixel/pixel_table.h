@@ -1,9 +1,9 @@
 // All pixel records, one row each. Identifiers, families and widths stand here and nowhere else: the records
 // take them from this list, and so does everything that walks all records or all layers.
 //
-//     #define ROW(Record, ID, Family, Bits) ...
+//     #define SR_ROW(Record, ID, Family, Bits) ...
 //     FOR_EACH_LAYER_PIXEL(ROW)
-//     #undef ROW
+//     #undef SR_ROW
 //
 // Identifiers are written to files and never change, whatever pattern they seem to miss.
 #pragma once
@@ -52,16 +52,16 @@
     ROW(StVelocityPixel,    "VELO", "Posn")
 // clang-format on
 
-#define ROW(...) +1
-static_assert(0 FOR_EACH_LAYER_PIXEL(ROW) == 24);
-static_assert(0 FOR_EACH_PLAIN_PIXEL(ROW) == 5);
-#undef ROW
+#define SR_ROW(...) +1
+static_assert(0 FOR_EACH_LAYER_PIXEL(SR_ROW) == 24);
+static_assert(0 FOR_EACH_PLAIN_PIXEL(SR_ROW) == 5);
+#undef SR_ROW
 
 class ScSmartPixel;
-#define ROW(Record, ...) struct Record;
-FOR_EACH_LAYER_PIXEL(ROW)
-FOR_EACH_PLAIN_PIXEL(ROW)
-#undef ROW
+#define SR_ROW(Record, ...) struct Record;
+FOR_EACH_LAYER_PIXEL(SR_ROW)
+FOR_EACH_PLAIN_PIXEL(SR_ROW)
+#undef SR_ROW
 
 namespace pixel {
 
@@ -69,24 +69,24 @@ namespace pixel {
 template <class Record>
 struct StFacts;
 
-#define ROW(Record, ID, Family, Bits)                              \
+#define SR_ROW(Record, ID, Family, Bits)                           \
     template <>                                                    \
     struct StFacts<Record> {                                       \
         static constexpr std::uint32_t kPixelID = SrCode(ID);      \
         static constexpr std::uint32_t kFamilyID = SrCode(Family); \
         static constexpr std::int32_t kBits = Bits;                \
     };
-FOR_EACH_LAYER_PIXEL(ROW)
-#undef ROW
+FOR_EACH_LAYER_PIXEL(SR_ROW)
+#undef SR_ROW
 
-#define ROW(Record, ID, Family)                                    \
+#define SR_ROW(Record, ID, Family)                                 \
     template <>                                                    \
     struct StFacts<Record> {                                       \
         static constexpr std::uint32_t kPixelID = SrCode(ID);      \
         static constexpr std::uint32_t kFamilyID = SrCode(Family); \
     };
-FOR_EACH_PLAIN_PIXEL(ROW)
-#undef ROW
+FOR_EACH_PLAIN_PIXEL(SR_ROW)
+#undef SR_ROW
 
 }  // namespace pixel
 

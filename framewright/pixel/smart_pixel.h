@@ -94,10 +94,10 @@ class FRAMEWRIGHT_EXPORT ScMappedSmartPixel : public ScDerivedPixel<Pixel> {
     ScColorMap<unsigned char, StRGBA32Pixel>* mMap = nullptr;
 };
 
-#define ROW(Record, ...) extern template class ScDerivedPixel<Record>;
-FOR_EACH_LAYER_PIXEL(ROW)
-FOR_EACH_PLAIN_PIXEL(ROW)
-#undef ROW
+#define SR_ROW(Record, ...) extern template class ScDerivedPixel<Record>;
+FOR_EACH_LAYER_PIXEL(SR_ROW)
+FOR_EACH_PLAIN_PIXEL(SR_ROW)
+#undef SR_ROW
 extern template class ScMappedSmartPixel<StMapped8Pixel>;
 extern template class ScMappedSmartPixel<StMapped4Pixel>;
 extern template class ScMappedSmartPixel<StMapped2Pixel>;

@@ -123,8 +123,7 @@ TEST(Streams, WideIntegerDepths_Read) {
     EXPECT_EQ(Of(Get(StDepthUInt32Pixel{}, {0xFF, 1, 2, 3})), (Fields<1>{0xFF010203}));
 }
 
-/// Their PutToStream reads as GetFromStream does: that is how these layers have always been saved pixel by
-/// pixel, so nothing is written and the position moves on.
+/// Their PutToStream reads as GetFromStream does: nothing is written, and the position moves on.
 template <class Record>
 void CheckPutReads(unsigned size) {
     auto stream = NewStream({0xFF, 1, 2, 3, 0xFF, 4, 5, 6});
