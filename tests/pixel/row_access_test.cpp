@@ -85,6 +85,7 @@ template <class Record>
 void CheckRowAccess() {
     constexpr long bits = Record::PixelSize();
     constexpr long pixels = 11;
+    constexpr unsigned kMask = bits < 8 ? (1u << (bits % 8)) - 1 : 255;
     std::vector<unsigned char> before((pixels * bits + 7) / 8);
     for (std::size_t i = 0; i < before.size(); ++i)
         before[i] = static_cast<unsigned char>(i * 37 + 5);
@@ -119,8 +120,7 @@ void CheckRowAccess() {
         if (bits >= 8)
             std::memcpy(wanted, pattern, bits / 8);
         else
-            wanted[0] =
-                static_cast<unsigned char>((0x6E & ~((1 << bits) - 1)) | (pattern[0] & ((1 << bits) - 1)));
+            wanted[0] = static_cast<unsigned char>((0x6E & ~kMask) | (pattern[0] & kMask));
         ASSERT_EQ(std::memcmp(got, wanted, sizeof got), 0) << "x " << x;
     }
 }
