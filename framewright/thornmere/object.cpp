@@ -53,6 +53,10 @@ ScMC_::ScMC_(char const* name, ScMC_* parent, unsigned int size, unsigned char v
 }
 
 ScMC_::~ScMC_() {
+    LeaveList();
+}
+
+void ScMC_::LeaveList() {
     std::lock_guard lock(gClassListMutex);
     for (ScMC_** link = &gFirstClass; *link; link = &(*link)->mNextInList) {
         if (*link == this) {

@@ -149,6 +149,8 @@ class FRAMEWRIGHT_EXPORT ScMC_ {
 
     /// All class objects that exist, in the order of their creation: start with null, ends with null.
     static ScMC_* Next(ScMC_ const* previous);
+    /// Takes the class off that list, as its destruction would; look-ups no longer find it.
+    void LeaveList();
 
   private:
     char const* mName;
@@ -255,15 +257,21 @@ void SmManaged<X>::ImplementBecome([[maybe_unused]] void* other) {
 }
 
 /// The class object of a template instantiation, made when it is first asked for: a family of classes has no
-/// one source file to make it in. Not destroyed: it owns nothing, and shut-down may ask for it after the
-/// statics that came into being during service have gone.
+/// one source file to make it in. It leaves the list of classes with the module that made it, but is not
+/// destroyed: it owns nothing, and shut-down may ask for it after the statics that came into being during
+/// service have gone.
 template <class X>
 ScMC_* SrClassObjectOnFirstUse() {
     using Facts = StClassFacts<X>;
+    struct StEntry {
+        ScMC_* cls;
+        ~StEntry() { cls->LeaveList(); }
+    };
     alignas(ScClassObject<X>) static unsigned char storage[sizeof(ScClassObject<X>)];
     static ScMC_* const object =
         new (storage) ScClassObject<X>(Facts::kName, Facts::ParentClass::Class(), sizeof(X), Facts::kVersion);
-    return object;
+    static StEntry const entry{object};
+    return entry.cls;
 }
 
 // `Abstract` says that New, ImplementClone and ImplementBecome throw; a class with pure operations is

@@ -4,6 +4,38 @@
 
 #include "framewright/framewright.h"
 
+// A plug-in's own classes, a plain one and a family of templates, come and go with it.
+
+SM_CLASS(SmPluginObject, SmObject, 0);
+class SmPluginObject : public SmManaged<SmPluginObject> {
+    friend SmManaged<SmPluginObject>;
+};
+SM_DEFINE_CLASS(SmPluginObject);
+
+template <class T>
+class SmPluginFamily;
+
+template <class T>
+struct StClassFacts<SmPluginFamily<T>> {
+    using ParentClass = SmPluginObject;
+    static constexpr char const* kName = "SmPluginFamily<class template>";
+    static constexpr unsigned char kVersion = 0;
+    static constexpr bool kAbstract = false;
+    static ScMC_* Object() { return SrClassObjectOnFirstUse<SmPluginFamily<T>>(); }
+};
+
+template <class T>
+class SmPluginFamily : public SmManaged<SmPluginFamily<T>> {
+    friend SmManaged<SmPluginFamily<T>>;
+};
+
+static int CountClasses(char const* name) {
+    int count = 0;
+    for (ScMC_* cls = ScMC_::Next(nullptr); cls; cls = ScMC_::Next(cls))
+        count += std::strcmp(cls->Name(), name) == 0;
+    return count;
+}
+
 /// Does a little of everything and hands an object over that the library releases when it goes. 0, or the
 /// number of the line that went wrong.
 extern "C" FRAMEWRIGHT_EXPORT int UseFramewright(void* object,
@@ -50,6 +82,12 @@ int UseFramewright(void* object, StReferenceCountableFunctionTable const* table)
         CHECK(message && *message->GetText());
     }
     CHECK(SrErrorName(-1234567));
+
+    // Alone, though the library may have met this plug-in before.
+    SmPluginFamily<int>::New()->ReleaseReference();
+    SmPluginFamily<char>::New()->ReleaseReference();
+    CHECK(CountClasses("SmPluginFamily<class template>") == 2);
+    CHECK(CountClasses("SmPluginObject") == 1);
 
     SrAutoDisposeObject({object, table});
     return 0;
