@@ -23,27 +23,27 @@ struct StRelativeRow {
 
 TEST(RelativePath, AsSeenFromTheFolderOfTheBase) {
     StRelativeRow const rows[] = {
-        {"/work/a/pic.bmp", "/work/a/scene.bin", "pic.bmp"},
-        {"/work/a/maps/pic.bmp", "/work/a/scene.bin", "maps/pic.bmp"},
-        {"/work/a/pic.bmp", "/work/a/scenes/scene.bin", "../pic.bmp"},
-        {"/work/b/c/pic.bmp", "/work/a/d/scene.bin", "../../b/c/pic.bmp"},
-        {"/work/ab/pic.bmp", "/work/a/scene.bin", "../ab/pic.bmp"},
-        {"/work/a/scene.bin", "/work/a/scene.bin", "scene.bin"},
-        {"/work//a/./pic.bmp", "/work/a/scene.bin", "pic.bmp"},
+        {"/show/a/pic.bmp", "/show/a/scene.bin", "pic.bmp"},
+        {"/show/a/maps/pic.bmp", "/show/a/scene.bin", "maps/pic.bmp"},
+        {"/show/a/pic.bmp", "/show/a/scenes/scene.bin", "../pic.bmp"},
+        {"/show/b/c/pic.bmp", "/show/a/d/scene.bin", "../../b/c/pic.bmp"},
+        {"/show/ab/pic.bmp", "/show/a/scene.bin", "../ab/pic.bmp"},
+        {"/show/a/scene.bin", "/show/a/scene.bin", "scene.bin"},
+        {"/show//a/./pic.bmp", "/show/a/scene.bin", "pic.bmp"},
         {"/pic.bmp", "/scene.bin", "/pic.bmp"},  // nothing shared but the root
-        {"/mnt/pic.bmp", "/work/scene.bin", "/mnt/pic.bmp"},
+        {"/mnt/pic.bmp", "/show/scene.bin", "/mnt/pic.bmp"},
         {"pic.bmp", "scene.bin", "pic.bmp"},
         {"a/pic.bmp", "scene.bin", "a/pic.bmp"},
         {"pic.bmp", "a/scene.bin", "../pic.bmp"},
         {"b/pic.bmp", "a/scene.bin", "../b/pic.bmp"},
         {"../b/pic.bmp", "../a/scene.bin", "../b/pic.bmp"},
         {"b/pic.bmp", "../a/scene.bin", "b/pic.bmp"},  // the way back would be unknown
-        {"pic.bmp", "/work/scene.bin", "pic.bmp"},     // relative and absolute
-        {"/work/pic.bmp", "scene.bin", "/work/pic.bmp"},
-        {"/work/pic.bmp", "", "/work/pic.bmp"},
-        {"", "/work/scene.bin", ""},
-        {"/work", "/work/scene.bin", "/work"},       // the base's own folder
-        {"/work/a/pic.bmp", "/work/a/", "pic.bmp"},  // a folder as base
+        {"pic.bmp", "/show/scene.bin", "pic.bmp"},     // relative and absolute
+        {"/show/pic.bmp", "scene.bin", "/show/pic.bmp"},
+        {"/show/pic.bmp", "", "/show/pic.bmp"},
+        {"", "/show/scene.bin", ""},
+        {"/show", "/show/scene.bin", "/show"},       // the base's own folder
+        {"/show/a/pic.bmp", "/show/a/", "pic.bmp"},  // a folder as base
         {"/w\xC3\xB6rk/a/pic.bmp", "/w\xC3\xB6rk/scene.bin", "a/pic.bmp"},
     };
     for (StRelativeRow const& row : rows) {
@@ -91,9 +91,9 @@ TEST(AbsolutePath, FromTheFolderOfTheBase) {
 }
 
 TEST(AbsolutePath, UndoesARelativeOne) {
-    char const* const pairs[][2] = {{"/work/a/pic.bmp", "/work/a/scene.bin"},
-                                    {"/work/b/c/pic.bmp", "/work/a/d/scene.bin"},
-                                    {"/mnt/pic.bmp", "/work/scene.bin"},
+    char const* const pairs[][2] = {{"/show/a/pic.bmp", "/show/a/scene.bin"},
+                                    {"/show/b/c/pic.bmp", "/show/a/d/scene.bin"},
+                                    {"/mnt/pic.bmp", "/show/scene.bin"},
                                     {"b/pic.bmp", "a/scene.bin"},
                                     {"../b/pic.bmp", "../a/scene.bin"}};
     for (auto const& [fullPath, basePath] : pairs) {
