@@ -62,6 +62,7 @@
 #include "framewright/imagery/stereo.h"
 #include "framewright/imagery/track.h"
 
+#include "framewright/media/bmp.h"
 #include "framewright/media/file_extension.h"
 #include "framewright/media/media.h"
 #include "framewright/media/media_errors.h"
@@ -73,6 +74,7 @@
 #include "framewright/media/media_track.h"
 #include "framewright/media/ordered_stream.h"
 #include "framewright/media/sequence_number.h"
+#include "framewright/media/simple_media.h"
 #include "framewright/media/video_spec.h"
 
 #include "framewright/platform/quickdraw_types.h"

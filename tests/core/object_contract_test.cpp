@@ -24,27 +24,15 @@ namespace {
 
 using Object = StRef<SmObjectBase>;
 
-/// What must be done to a new object of some classes before it can be cloned.
-struct StPreparation {
-    char const* className;
-    void (*prepare)(SmObjectBase& object);
-};
-constexpr StPreparation kPreparations[] = {
-    {"", nullptr},
-};
-
 long ErrorOf(std::exception const& exception) {
     ScMessageClass* message = nullptr;
     return SrGetExceptionValues(exception, message);
 }
 
-/// A new object of a class, ready to be cloned; null for an abstract class.
+/// A new object of a class; null for an abstract class.
 Object Make(ScMC_ const* cls) {
     try {
-        auto object = Object::Adopt(static_cast<SmObjectBase*>(cls->New()));
-        for (StPreparation const& row : kPreparations)
-            if (object && cls->Name() == std::string(row.className)) row.prepare(*object);
-        return object;
+        return Object::Adopt(static_cast<SmObjectBase*>(cls->New()));
     } catch (std::exception const& exception) {
         EXPECT_EQ(ErrorOf(exception), SkAbstractClassErrC()) << cls->Name();
         return nullptr;
@@ -220,9 +208,8 @@ TEST_P(ObjectContract, BecomeWithoutMemoryChangesNothing) {
 }
 
 TEST_P(ObjectContract, FreeCopesWithDefaultsAndCanRunTwice) {
-    auto object = Object();
-    if (!Make(cls)) return;
-    object = Object::Adopt(static_cast<SmObjectBase*>(cls->New()));  // without any preparation
+    Object object = Make(cls);
+    if (!object) return;
     object->Free();
     object->Free();
     EXPECT_EQ(object->ReferenceCount(), 1);
