@@ -20,8 +20,13 @@
 #include "framewright/thornmere/export.h"
 
 namespace frame {
+
 struct StStretchMap;
-}
+
+/// One string for all, so that names can be compared by address too.
+inline constexpr char kLayerClassName[] = "SmImagerLayer<class template>";
+
+}  // namespace frame
 
 template <class Pixel, class Spool>
 class SmImagerLayer;
@@ -33,7 +38,7 @@ using SmImagerLayer__Class = ScClassObject<SmImagerLayer<Pixel, Spool>>;
 template <class Pixel, class Spool>
 struct FRAMEWRIGHT_EXPORT StClassFacts<SmImagerLayer<Pixel, Spool>> {
     using ParentClass = frame::SmLayerBase;
-    static constexpr char const* kName = "SmImagerLayer<class template>";
+    static constexpr char const* kName = frame::kLayerClassName;
     static constexpr unsigned char kVersion = 0;
     static constexpr bool kAbstract = false;
     static ScMC_* Object();
