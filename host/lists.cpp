@@ -49,8 +49,10 @@ Json AllPixels() {
 
 std::string Joined(Json const& texts) {
     std::string joined;
-    for (Json const& text : texts)
-        joined += (joined.empty() ? "" : " ") + text.get<std::string>();
+    for (Json const& text : texts) {
+        if (!joined.empty()) joined += ' ';
+        joined += text.get<std::string>();
+    }
     return joined;
 }
 
