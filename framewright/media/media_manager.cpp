@@ -288,7 +288,7 @@ SmMedia* SmMediaManager::OpenMedia(ScMediaLocation* location, long, unsigned lon
 void SmMediaManager::AddMissingMedia(ScMediaLocation* location) {
     std::unique_ptr<ScMediaLocation> clone(location->Clone());
     mMissingMedia.push_back(clone.get());
-    clone.release();
+    static_cast<void>(clone.release());
 }
 
 void SmMediaManager::PurgeMissingMediaList() {

@@ -10,6 +10,14 @@
 
 namespace media {
 
+namespace {
+
+bool IsSeparator(char c) {
+    return c == '/' || c == ':' || c == '\\';
+}
+
+}  // namespace
+
 StSequenceNumber FindSequenceNumber(char const* path) {
     StSequenceNumber const none;
     StSequenceNumber found;
@@ -18,15 +26,12 @@ StSequenceNumber FindSequenceNumber(char const* path) {
     // The terminating null takes part, as a character that ends a lone digit.
     for (long i = 1; i <= length; ++i) {
         char const c = path[i];
-        if (c == '/' || c == ':' || c == '\\') {
-            found = none;
-            value = 0;
-        } else if (c >= '0' && c <= '9') {
+        if (c >= '0' && c <= '9') {
             if (found.first == -1) found.first = i;
             found.last = i;
             value = value * 10 + static_cast<std::uint32_t>(c - '0');
             found.value = static_cast<std::int32_t>(value);
-        } else if (found.first == found.last) {
+        } else if (IsSeparator(c) || found.first == found.last) {
             found = none;
             value = 0;
         }
