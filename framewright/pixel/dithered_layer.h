@@ -18,6 +18,7 @@
 #include <cstdint>
 
 #include "framewright/frame/layer.h"
+#include "framewright/pixel/pixel_table.h"
 #include "framewright/thornmere/export.h"
 #include "framewright/thornmere/vector.h"
 
@@ -87,14 +88,6 @@ class FRAMEWRIGHT_EXPORT SmImagerDitheredLayer : public SmManaged<SmImagerDither
     ScVector<pixel::StDitherError> mErrors;  ///< empty before initialisation and in a layer without columns
     std::int32_t mLastTop = 0;               ///< the source top of the dithered blit before
 };
-
-// The records of dithered layers.
-#define FOR_EACH_DITHERED_PIXEL(ROW) ROW(StRGB15Pixel) FOR_EACH_MAPPED_PIXEL(ROW)
-#define FOR_EACH_MAPPED_PIXEL(ROW) \
-    ROW(StMapped8Pixel)            \
-    ROW(StMapped4Pixel)            \
-    ROW(StMapped2Pixel)            \
-    ROW(StMapped1Pixel)
 
 #define SR_ROW(Record)                                                                    \
     extern template struct StClassFacts<SmImagerDitheredLayer<Record, ScImagerNonSpool>>; \

@@ -12,9 +12,10 @@
 namespace pixel {
 
 /// A record that is an index into a colour map.
+#define SR_ROW(Mapped) || std::same_as<Record, Mapped>
 template <class Record>
-concept MappedPixel = std::same_as<Record, StMapped8Pixel> || std::same_as<Record, StMapped4Pixel> ||
-    std::same_as<Record, StMapped2Pixel> || std::same_as<Record, StMapped1Pixel>;
+concept MappedPixel = false FOR_EACH_MAPPED_PIXEL(SR_ROW);
+#undef SR_ROW
 
 /// A record that layers are made of.
 template <class Record>

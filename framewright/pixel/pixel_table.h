@@ -2,7 +2,7 @@
 // take them from this list, and so does everything that walks all records or all layers.
 //
 //     #define SR_ROW(Record, ID, Family, Bits) ...
-//     FOR_EACH_LAYER_PIXEL(ROW)
+//     FOR_EACH_LAYER_PIXEL(SR_ROW)
 //     #undef SR_ROW
 //
 // Identifiers are written to files and never change, whatever pattern they seem to miss.
@@ -50,6 +50,15 @@
     ROW(StHSVAPixel,        "HSVA", "ColF") \
     ROW(StYIQAPixel,        "YIQA", "VidF") \
     ROW(StVelocityPixel,    "VELO", "Posn")
+
+// The layer records that are indices into a colour map, and with them the 15-bit one: the records of layers
+// that receive pictures by dithering.
+#define FOR_EACH_MAPPED_PIXEL(ROW) \
+    ROW(StMapped8Pixel)            \
+    ROW(StMapped4Pixel)            \
+    ROW(StMapped2Pixel)            \
+    ROW(StMapped1Pixel)
+#define FOR_EACH_DITHERED_PIXEL(ROW) ROW(StRGB15Pixel) FOR_EACH_MAPPED_PIXEL(ROW)
 // clang-format on
 
 #define SR_ROW(...) +1

@@ -97,10 +97,9 @@ void ScMappedSmartPixel<Pixel>::SetColorFloats(StColorFloats const& color) {
     SetRGBA32(pixel::OpaqueBytes(color));
 }
 
-template class ScMappedSmartPixel<StMapped8Pixel>;
-template class ScMappedSmartPixel<StMapped4Pixel>;
-template class ScMappedSmartPixel<StMapped2Pixel>;
-template class ScMappedSmartPixel<StMapped1Pixel>;
+#define ROW(Record) template class ScMappedSmartPixel<Record>;
+FOR_EACH_MAPPED_PIXEL(ROW)
+#undef ROW
 
 namespace {
 

@@ -98,7 +98,6 @@ class FRAMEWRIGHT_EXPORT ScMappedSmartPixel : public ScDerivedPixel<Pixel> {
 FOR_EACH_LAYER_PIXEL(SR_ROW)
 FOR_EACH_PLAIN_PIXEL(SR_ROW)
 #undef SR_ROW
-extern template class ScMappedSmartPixel<StMapped8Pixel>;
-extern template class ScMappedSmartPixel<StMapped4Pixel>;
-extern template class ScMappedSmartPixel<StMapped2Pixel>;
-extern template class ScMappedSmartPixel<StMapped1Pixel>;
+#define SR_ROW(Record) extern template class ScMappedSmartPixel<Record>;
+FOR_EACH_MAPPED_PIXEL(SR_ROW)
+#undef SR_ROW
