@@ -40,60 +40,31 @@ void ConvertThroughMaps(Record& record, ScSmartPixel const* source, ScPalette* s
     pixel::SetNearest(record, SourceColor<Record>(source, sourceMap), *destinationMap);
 }
 
+template <class Record>
+void GetIndex(Record& record, SmStream& stream) {
+    constexpr unsigned kMask = (1u << Record::PixelSize()) - 1;
+    record.index = pixel::GetByte(stream) & kMask;
+}
+
+template <class Record>
+void PutIndex(Record const& record, SmStream& stream) {
+    pixel::PutBytes(stream, static_cast<std::uint8_t>(record.index));
+}
+
 }  // namespace
 
-void StMapped8Pixel::Blend(StMapped8Pixel const& other, float t, ScPalette* map) {
-    BlendColors(*this, other, t, *map);
-}
-void StMapped8Pixel::ConvertSmart(ScSmartPixel const* source, ScPalette* sourceMap,
-                                  ScPalette* destinationMap) {
-    ConvertThroughMaps(*this, source, sourceMap, destinationMap);
-}
-void StMapped8Pixel::GetFromStream(SmStream& stream) {
-    pixel::GetBytes(stream, index);
-}
-void StMapped8Pixel::PutToStream(SmStream& stream) const {
-    pixel::PutBytes(stream, index);
-}
-
-void StMapped4Pixel::Blend(StMapped4Pixel const& other, float t, ScPalette* map) {
-    BlendColors(*this, other, t, *map);
-}
-void StMapped4Pixel::ConvertSmart(ScSmartPixel const* source, ScPalette* sourceMap,
-                                  ScPalette* destinationMap) {
-    ConvertThroughMaps(*this, source, sourceMap, destinationMap);
-}
-void StMapped4Pixel::GetFromStream(SmStream& stream) {
-    index = pixel::GetByte(stream) & 15;
-}
-void StMapped4Pixel::PutToStream(SmStream& stream) const {
-    pixel::PutBytes(stream, static_cast<std::uint8_t>(index));
-}
-
-void StMapped2Pixel::Blend(StMapped2Pixel const& other, float t, ScPalette* map) {
-    BlendColors(*this, other, t, *map);
-}
-void StMapped2Pixel::ConvertSmart(ScSmartPixel const* source, ScPalette* sourceMap,
-                                  ScPalette* destinationMap) {
-    ConvertThroughMaps(*this, source, sourceMap, destinationMap);
-}
-void StMapped2Pixel::GetFromStream(SmStream& stream) {
-    index = pixel::GetByte(stream) & 3;
-}
-void StMapped2Pixel::PutToStream(SmStream& stream) const {
-    pixel::PutBytes(stream, static_cast<std::uint8_t>(index));
-}
-
-void StMapped1Pixel::Blend(StMapped1Pixel const& other, float t, ScPalette* map) {
-    BlendColors(*this, other, t, *map);
-}
-void StMapped1Pixel::ConvertSmart(ScSmartPixel const* source, ScPalette* sourceMap,
-                                  ScPalette* destinationMap) {
-    ConvertThroughMaps(*this, source, sourceMap, destinationMap);
-}
-void StMapped1Pixel::GetFromStream(SmStream& stream) {
-    index = pixel::GetByte(stream) & 1;
-}
-void StMapped1Pixel::PutToStream(SmStream& stream) const {
-    pixel::PutBytes(stream, static_cast<std::uint8_t>(index));
-}
+#define ROW(Record)                                                                                          \
+    void Record::Blend(Record const& other, float t, ScPalette* map) {                                       \
+        BlendColors(*this, other, t, *map);                                                                  \
+    }                                                                                                        \
+    void Record::ConvertSmart(ScSmartPixel const* source, ScPalette* sourceMap, ScPalette* destinationMap) { \
+        ConvertThroughMaps(*this, source, sourceMap, destinationMap);                                        \
+    }                                                                                                        \
+    void Record::GetFromStream(SmStream& stream) {                                                           \
+        GetIndex(*this, stream);                                                                             \
+    }                                                                                                        \
+    void Record::PutToStream(SmStream& stream) const {                                                       \
+        PutIndex(*this, stream);                                                                             \
+    }
+FOR_EACH_MAPPED_PIXEL(ROW)
+#undef ROW

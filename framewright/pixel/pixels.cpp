@@ -17,6 +17,27 @@ using pixel::Payload;
 using pixel::PutBigEndian;
 using pixel::PutBytes;
 
+// The records that read no source in a way of their own.
+#define FOR_EACH_RECORD_BY_COLOR(ROW) \
+    ROW(StRGB24Pixel)                 \
+    ROW(StRGB48Pixel)                 \
+    ROW(StRGBA64Pixel)                \
+    ROW(StColorFloats)                \
+    ROW(StRGBAFloatPixel)             \
+    ROW(StGray8Pixel)                 \
+    ROW(StGray4Pixel)                 \
+    ROW(StGray2Pixel)                 \
+    ROW(StAlpha8Pixel)                \
+    ROW(StCMYKPixel)
+
+#define ROW(Record)                                         \
+    void Record::ConvertSmart(ScSmartPixel const* source) { \
+        ConvertByColor(*this, source);                      \
+    }
+FOR_EACH_RECORD_BY_COLOR(ROW)
+#undef ROW
+#undef FOR_EACH_RECORD_BY_COLOR
+
 void StRGBA32Pixel::ConvertSmart(ScSmartPixel const* source) {
     ConvertByColor<StRGB24Pixel, StRGB15Pixel, StAlpha8Pixel>(*this, source);
 }
@@ -37,9 +58,6 @@ void StRGB32Pixel::PutToStream(SmStream& stream) const {
     PutBytes(stream, filler, red, green, blue);
 }
 
-void StRGB24Pixel::ConvertSmart(ScSmartPixel const* source) {
-    ConvertByColor(*this, source);
-}
 void StRGB24Pixel::GetFromStream(SmStream& stream) {
     GetBytes(stream, red, green, blue);
 }
@@ -62,9 +80,6 @@ void StRGB15Pixel::PutToStream(SmStream& stream) const {
     PutBytes(stream, static_cast<std::uint8_t>(word), static_cast<std::uint8_t>(word >> 8));
 }
 
-void StRGB48Pixel::ConvertSmart(ScSmartPixel const* source) {
-    ConvertByColor(*this, source);
-}
 void StRGB48Pixel::GetFromStream(SmStream& stream) {
     GetBigEndian(stream, red, green, blue);
 }
@@ -72,9 +87,6 @@ void StRGB48Pixel::PutToStream(SmStream& stream) const {
     PutBigEndian(stream, red, green, blue);
 }
 
-void StRGBA64Pixel::ConvertSmart(ScSmartPixel const* source) {
-    ConvertByColor(*this, source);
-}
 void StRGBA64Pixel::GetFromStream(SmStream& stream) {
     GetBigEndian(stream, red, green, blue, alpha);
 }
@@ -82,9 +94,6 @@ void StRGBA64Pixel::PutToStream(SmStream& stream) const {
     PutBigEndian(stream, red, green, blue, alpha);
 }
 
-void StColorFloats::ConvertSmart(ScSmartPixel const* source) {
-    ConvertByColor(*this, source);
-}
 void StColorFloats::GetFromStream(SmStream& stream) {
     GetBigEndian(stream, red, green, blue);
 }
@@ -92,9 +101,6 @@ void StColorFloats::PutToStream(SmStream& stream) const {
     PutBigEndian(stream, red, green, blue);
 }
 
-void StRGBAFloatPixel::ConvertSmart(ScSmartPixel const* source) {
-    ConvertByColor(*this, source);
-}
 void StRGBAFloatPixel::GetFromStream(SmStream& stream) {
     GetBigEndian(stream, red, green, blue, alpha);
 }
@@ -102,9 +108,6 @@ void StRGBAFloatPixel::PutToStream(SmStream& stream) const {
     PutBigEndian(stream, red, green, blue, alpha);
 }
 
-void StGray8Pixel::ConvertSmart(ScSmartPixel const* source) {
-    ConvertByColor(*this, source);
-}
 void StGray8Pixel::GetFromStream(SmStream& stream) {
     GetBytes(stream, level);
 }
@@ -112,9 +115,6 @@ void StGray8Pixel::PutToStream(SmStream& stream) const {
     PutBytes(stream, level);
 }
 
-void StGray4Pixel::ConvertSmart(ScSmartPixel const* source) {
-    ConvertByColor(*this, source);
-}
 void StGray4Pixel::GetFromStream(SmStream& stream) {
     level = GetByte(stream) & 15;
 }
@@ -122,9 +122,6 @@ void StGray4Pixel::PutToStream(SmStream& stream) const {
     PutBytes(stream, static_cast<std::uint8_t>(level));
 }
 
-void StGray2Pixel::ConvertSmart(ScSmartPixel const* source) {
-    ConvertByColor(*this, source);
-}
 void StGray2Pixel::GetFromStream(SmStream& stream) {
     level = GetByte(stream) & 3;
 }
@@ -157,9 +154,6 @@ void StBlackWhitePixel::PutToStream(SmStream& stream) const {
     PutBytes(stream, static_cast<std::uint8_t>(black));
 }
 
-void StAlpha8Pixel::ConvertSmart(ScSmartPixel const* source) {
-    ConvertByColor(*this, source);
-}
 void StAlpha8Pixel::GetFromStream(SmStream& stream) {
     GetBytes(stream, alpha);
 }
@@ -180,9 +174,6 @@ void StAlpha32Pixel::PutToStream(SmStream& stream) const {
     PutBigEndian(stream, alpha);
 }
 
-void StCMYKPixel::ConvertSmart(ScSmartPixel const* source) {
-    ConvertByColor(*this, source);
-}
 void StCMYKPixel::GetFromStream(SmStream& stream) {
     GetBytes(stream, cyan, magenta, yellow, black);
 }
