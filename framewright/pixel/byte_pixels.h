@@ -115,15 +115,10 @@ struct FRAMEWRIGHT_EXPORT StRGB15Pixel {
 static_assert(sizeof(StRGB15Pixel) == 2);
 
 inline void StRGB32Pixel::Merge(StRGB32Pixel other) {
-    red = static_cast<std::uint8_t>(pixel::Average(red, other.red));
-    green = static_cast<std::uint8_t>(pixel::Average(green, other.green));
-    blue = static_cast<std::uint8_t>(pixel::Average(blue, other.blue));
+    pixel::CombineColors(*this, other, pixel::Average);
 }
 inline void StRGB32Pixel::Blend(StRGB32Pixel const& other, float t) {
-    pixel::ScByteBlend const mix(t);
-    red = static_cast<std::uint8_t>(mix(red, other.red));
-    green = static_cast<std::uint8_t>(mix(green, other.green));
-    blue = static_cast<std::uint8_t>(mix(blue, other.blue));
+    pixel::CombineColors(*this, other, pixel::ScByteBlend(t));
 }
 inline void StRGB32Pixel::SetRGBA32(StRGBA32Pixel color) {
     red = color.red;
@@ -131,21 +126,14 @@ inline void StRGB32Pixel::SetRGBA32(StRGBA32Pixel color) {
     blue = color.blue;
 }
 inline void StRGB32Pixel::Invert() {
-    red = static_cast<std::uint8_t>(255 - red);
-    green = static_cast<std::uint8_t>(255 - green);
-    blue = static_cast<std::uint8_t>(255 - blue);
+    pixel::ComplementColors(*this, 255);
 }
 
 inline void StRGB24Pixel::Merge(StRGB24Pixel other) {
-    red = static_cast<std::uint8_t>(pixel::Average(red, other.red));
-    green = static_cast<std::uint8_t>(pixel::Average(green, other.green));
-    blue = static_cast<std::uint8_t>(pixel::Average(blue, other.blue));
+    pixel::CombineColors(*this, other, pixel::Average);
 }
 inline void StRGB24Pixel::Blend(StRGB24Pixel const& other, float t) {
-    pixel::ScByteBlend const mix(t);
-    red = static_cast<std::uint8_t>(mix(red, other.red));
-    green = static_cast<std::uint8_t>(mix(green, other.green));
-    blue = static_cast<std::uint8_t>(mix(blue, other.blue));
+    pixel::CombineColors(*this, other, pixel::ScByteBlend(t));
 }
 inline void StRGB24Pixel::SetRGBA32(StRGBA32Pixel color) {
     red = color.red;
@@ -153,9 +141,7 @@ inline void StRGB24Pixel::SetRGBA32(StRGBA32Pixel color) {
     blue = color.blue;
 }
 inline void StRGB24Pixel::Invert() {
-    red = static_cast<std::uint8_t>(255 - red);
-    green = static_cast<std::uint8_t>(255 - green);
-    blue = static_cast<std::uint8_t>(255 - blue);
+    pixel::ComplementColors(*this, 255);
 }
 
 inline void StRGB15Pixel::Merge(StRGB15Pixel other) {

@@ -8,9 +8,15 @@
 #pragma once
 
 #include <bit>
+#include <cfloat>
 #include <cstdint>
 
 #include "framewright/thornmere/numbers.h"
+
+// The records lie in memory as words of a little-endian host have them, and the rules round where they say
+// so: float expressions must not be carried on in a wider format.
+static_assert(std::endian::native == std::endian::little);
+static_assert(FLT_EVAL_METHOD == 0);
 
 namespace pixel {
 
@@ -118,6 +124,37 @@ using ScWordBlend = ScBlendWeights<std::uint32_t>;
 /// The same for floats, all in 32 bits.
 constexpr float BlendFloats(float from, float to, float t) {
     return from * (1.0f - t) + to * t;
+}
+
+/// Red, green and blue become what `rule` makes of each and of the same channel of `other`, cut to the
+/// channel's type. A fourth field stays.
+template <class Color, class Rule>
+constexpr void CombineColors(Color& color, Color const& other, Rule const& rule) {
+    using Channel = decltype(Color::red);
+    color.red = static_cast<Channel>(rule(color.red, other.red));
+    color.green = static_cast<Channel>(rule(color.green, other.green));
+    color.blue = static_cast<Channel>(rule(color.blue, other.blue));
+}
+/// Red, green and blue become the rest to `full`. A fourth field stays.
+template <class Color, class Full>
+constexpr void ComplementColors(Color& color, Full full) {
+    using Channel = decltype(Color::red);
+    color.red = static_cast<Channel>(full - color.red);
+    color.green = static_cast<Channel>(full - color.green);
+    color.blue = static_cast<Channel>(full - color.blue);
+}
+/// Lays `other` over `color`: source-over with straight integer alpha of the scale `full`, all divisions in
+/// unsigned 32-bit integers.
+template <class Color>
+constexpr void LayOver(Color& color, Color const& other, std::uint32_t full) {
+    if (other.alpha == 0) return;
+    std::uint32_t const over = other.alpha;
+    std::uint32_t const sum = (full - color.alpha) * over / full + color.alpha;
+    std::uint32_t const under = sum - over;
+    CombineColors(color, other, [=](std::uint32_t below, std::uint32_t above) {
+        return (above * over + below * under) / sum;
+    });
+    color.alpha = static_cast<decltype(Color::alpha)>(sum);
 }
 
 }  // namespace pixel

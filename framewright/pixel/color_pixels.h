@@ -130,21 +130,12 @@ constexpr StRGBAFloatPixel OpaqueByteFloats(StRGBA32Pixel color) {
 }  // namespace pixel
 
 inline void StRGBA32Pixel::Merge(StRGBA32Pixel const& other) {
-    if (other.alpha == 0) return;
-    unsigned const over = other.alpha;
-    unsigned const sum = (255u - alpha) * over / 255 + alpha;
-    unsigned const under = sum - over;
-    red = static_cast<std::uint8_t>((other.red * over + red * under) / sum);
-    green = static_cast<std::uint8_t>((other.green * over + green * under) / sum);
-    blue = static_cast<std::uint8_t>((other.blue * over + blue * under) / sum);
-    alpha = static_cast<std::uint8_t>(sum);
+    pixel::LayOver(*this, other, 255);
 }
 
 inline void StRGBA32Pixel::Blend(StRGBA32Pixel const& other, float t) {
     pixel::ScByteBlend const mix(t);
-    red = static_cast<std::uint8_t>(mix(red, other.red));
-    green = static_cast<std::uint8_t>(mix(green, other.green));
-    blue = static_cast<std::uint8_t>(mix(blue, other.blue));
+    pixel::CombineColors(*this, other, mix);
     alpha = static_cast<std::uint8_t>(mix(alpha, other.alpha));
 }
 
@@ -164,9 +155,7 @@ inline void StRGBA32Pixel::SetColorFloats(StColorFloats const& color) {
     *this = pixel::OpaqueBytes(color);
 }
 inline void StRGBA32Pixel::Invert() {
-    red = static_cast<std::uint8_t>(255 - red);
-    green = static_cast<std::uint8_t>(255 - green);
-    blue = static_cast<std::uint8_t>(255 - blue);
+    pixel::ComplementColors(*this, 255);
 }
 
 inline void StColorFloats::Merge(StColorFloats other) {
@@ -175,9 +164,7 @@ inline void StColorFloats::Merge(StColorFloats other) {
     blue = static_cast<float>((static_cast<double>(blue) + other.blue) * 0.5);
 }
 inline void StColorFloats::Blend(StColorFloats const& other, float t) {
-    red = pixel::BlendFloats(red, other.red, t);
-    green = pixel::BlendFloats(green, other.green, t);
-    blue = pixel::BlendFloats(blue, other.blue, t);
+    pixel::CombineColors(*this, other, [t](float from, float to) { return pixel::BlendFloats(from, to, t); });
 }
 inline float StColorFloats::ConvertToFloat() const {
     return static_cast<float>(pixel::SumOf(*this) * pixel::kInverseTriFloat);
@@ -191,9 +178,7 @@ inline void StColorFloats::SetRGBA32(StRGBA32Pixel color) {
     blue = static_cast<float>(color.blue * pixel::kByteScale);
 }
 inline void StColorFloats::Invert() {
-    red = static_cast<float>(1.0 - red);
-    green = static_cast<float>(1.0 - green);
-    blue = static_cast<float>(1.0 - blue);
+    pixel::ComplementColors(*this, 1.0);
 }
 
 inline void StRGBAFloatPixel::Merge(StRGBAFloatPixel other) {
@@ -207,9 +192,7 @@ inline void StRGBAFloatPixel::Merge(StRGBAFloatPixel other) {
     alpha = static_cast<float>(sum);
 }
 inline void StRGBAFloatPixel::Blend(StRGBAFloatPixel const& other, float t) {
-    red = pixel::BlendFloats(red, other.red, t);
-    green = pixel::BlendFloats(green, other.green, t);
-    blue = pixel::BlendFloats(blue, other.blue, t);
+    pixel::CombineColors(*this, other, [t](float from, float to) { return pixel::BlendFloats(from, to, t); });
     alpha = pixel::BlendFloats(alpha, other.alpha, t);
 }
 inline float StRGBAFloatPixel::ConvertToFloat() const {
@@ -223,7 +206,5 @@ inline void StRGBAFloatPixel::SetRGBA32(StRGBA32Pixel color) {
              pixel::ByteToFloat(color.alpha)};
 }
 inline void StRGBAFloatPixel::Invert() {
-    red = static_cast<float>(1.0 - red);
-    green = static_cast<float>(1.0 - green);
-    blue = static_cast<float>(1.0 - blue);
+    pixel::ComplementColors(*this, 1.0);
 }

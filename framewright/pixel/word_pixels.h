@@ -83,40 +83,24 @@ struct FRAMEWRIGHT_EXPORT StRGBA64Pixel {
 };
 
 inline void StRGB48Pixel::Merge(StRGB48Pixel other) {
-    red = static_cast<std::uint16_t>(pixel::Average(red, other.red));
-    green = static_cast<std::uint16_t>(pixel::Average(green, other.green));
-    blue = static_cast<std::uint16_t>(pixel::Average(blue, other.blue));
+    pixel::CombineColors(*this, other, pixel::Average);
 }
 inline void StRGB48Pixel::Blend(StRGB48Pixel const& other, float t) {
-    pixel::ScWordBlend const mix(t);
-    red = static_cast<std::uint16_t>(mix(red, other.red));
-    green = static_cast<std::uint16_t>(mix(green, other.green));
-    blue = static_cast<std::uint16_t>(mix(blue, other.blue));
+    pixel::CombineColors(*this, other, pixel::ScWordBlend(t));
 }
 inline void StRGB48Pixel::ConvertToColorFloats(StColorFloats& out) const {
     out = {pixel::WordToFloat(red), pixel::WordToFloat(green), pixel::WordToFloat(blue)};
 }
 inline void StRGB48Pixel::Invert() {
-    red = static_cast<std::uint16_t>(65535 - red);
-    green = static_cast<std::uint16_t>(65535 - green);
-    blue = static_cast<std::uint16_t>(65535 - blue);
+    pixel::ComplementColors(*this, 65535);
 }
 
 inline void StRGBA64Pixel::Merge(StRGBA64Pixel other) {
-    if (other.alpha == 0) return;
-    std::uint32_t const over = other.alpha;
-    std::uint32_t const sum = (65535u - alpha) * over / 65535 + alpha;
-    std::uint32_t const under = sum - over;
-    red = static_cast<std::uint16_t>((other.red * over + red * under) / sum);
-    green = static_cast<std::uint16_t>((other.green * over + green * under) / sum);
-    blue = static_cast<std::uint16_t>((other.blue * over + blue * under) / sum);
-    alpha = static_cast<std::uint16_t>(sum);
+    pixel::LayOver(*this, other, 65535);
 }
 inline void StRGBA64Pixel::Blend(StRGBA64Pixel const& other, float t) {
     pixel::ScWordBlend const mix(t);
-    red = static_cast<std::uint16_t>(mix(red, other.red));
-    green = static_cast<std::uint16_t>(mix(green, other.green));
-    blue = static_cast<std::uint16_t>(mix(blue, other.blue));
+    pixel::CombineColors(*this, other, mix);
     alpha = static_cast<std::uint16_t>(mix(alpha, other.alpha));
 }
 inline void StRGBA64Pixel::ConvertToColorFloats(StColorFloats& out) const {
@@ -124,7 +108,5 @@ inline void StRGBA64Pixel::ConvertToColorFloats(StColorFloats& out) const {
            static_cast<float>(blue * pixel::kWordScale)};
 }
 inline void StRGBA64Pixel::Invert() {
-    red = static_cast<std::uint16_t>(65535 - red);
-    green = static_cast<std::uint16_t>(65535 - green);
-    blue = static_cast<std::uint16_t>(65535 - blue);
+    pixel::ComplementColors(*this, 65535);
 }
