@@ -6,8 +6,7 @@
 
 #include "framewright/frame/layer.h"
 #include "framewright/frame/pixel_mixing.h"
-#include "framewright/pixel/pixel_ops.h"
-#include "framewright/pixel/smart_pixel.h"
+#include "framewright/pixel/convert_smart.h"
 
 namespace frame {
 
@@ -30,16 +29,9 @@ void ConvertSmartPixel(Pixel& pixel, ScSmartPixel const* smart) {
     if constexpr (!pixel::MappedPixel<Pixel>) {
         pixel.ConvertSmart(smart);
     } else {
-        // Reads alone, though the payload's accessor is not const.
         bool const same = smart->PixelID() == Pixel::PixelID();
-        pixel.index = same ? static_cast<Pixel*>(const_cast<ScSmartPixel*>(smart)->GetPixelData())->index : 0;
+        pixel.index = same ? pixel::Payload<Pixel>(smart).index : 0;
     }
-}
-
-/// A depth, or an opacity, as a colour.
-inline StRGBA32Pixel DepthColor(StDepthFloatPixel const& depth) {
-    auto const level = static_cast<std::uint8_t>(SrITrunc(255.0 * depth.depth));
-    return {level, level, level, 255};
 }
 
 }  // namespace frame
@@ -114,7 +106,7 @@ void SmImagerLayer<Pixel, Spool>::PutPixelAt(long x, long y, StDepthFloatPixel c
         if constexpr (frame::DepthPixel<Pixel>) {
             pixel::SetFloat(record, depth.depth);
         } else {
-            pixel::SetRGBA32(record, frame::DepthColor(depth));
+            pixel::SetRGBA32(record, pixel::GetRGBA32(depth));
         }
     });
 }
