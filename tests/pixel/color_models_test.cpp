@@ -140,6 +140,7 @@ TEST(ColorModels, HSLToRGB_ByHand) {
     EXPECT_EQ(ToRGB(StHSLAPixel{65146, 100, 50, 3}), (Fields<4>{11, 22, 33, 3}))
         << "no sector: the colour stays";
     EXPECT_EQ(ToRGB(StHSLAPixel{420, 100, 50, 3}), (Fields<4>{11, 22, 33, 3}));
+    EXPECT_EQ(ToRGB(StHSLAPixel{420, 100, 0, 3}), (Fields<4>{0, 0, 0, 3})) << "black in every sector";
     EXPECT_EQ(ToRGB(StHSLAPixel{419, 100, 50, 3})[0], 255u);
 }
 
@@ -321,6 +322,10 @@ TEST(ColorPower, ByHand) {
     color = {-2.0f, kNaN, kInf};
     SrColorPower(color, 0.5f);
     EXPECT_EQ(Of(color), Of(StColorFloats{kNaN, kNaN, kInf}));
+    color = {kInf, kNaN, 0.0f};
+    SrColorPower(color, 0.0f);
+    EXPECT_EQ(Of(color), Of(StColorFloats{kNaN, 1.0f, 1.0f}))
+        << "0 times the logarithm of infinity is no number";
 }
 
 TEST(ColorPower, MatchesExtendedPrecision) {

@@ -104,6 +104,35 @@ TYPED_TEST(MappedPixelOf, ConvertSmart_FromAnythingElse_AsksForTheColor) {
     EXPECT_EQ(p.index, 17 & this->kMask) << "17 cut to the record's width";
 }
 
+TYPED_TEST(MappedPixelOf, ConvertSmart_FromBytes_AsksNoQuestion) {
+    StSpy spy;
+    spy.id = StRGBA32Pixel::PixelID();
+    spy.color = Color(255, 0, 0, 255);
+    StRGBA32Pixel const payload = Color(0, 255, 0, 200);
+    std::memcpy(spy.payload, &payload, sizeof payload);
+    TypeParam p{};
+    p.ConvertSmart(&spy, nullptr, &this->map);
+    EXPECT_EQ(p.index, this->Nearest(payload));
+    EXPECT_NE(this->Nearest(payload), this->Nearest(spy.color)) << "the two colours are told apart";
+    EXPECT_EQ(spy.colorsAsked, 0);
+}
+
+TYPED_TEST(MappedPixelOf, ConvertSmart_FromAnotherWidth_TakesTheSourcesOwnMap) {
+    using Other = std::conditional_t<TypeParam::PixelSize() == 8, StMapped4Pixel, StMapped8Pixel>;
+    Map itsOwn(32), passed(32);
+    for (unsigned char i = 0; i < 16; ++i) {
+        itsOwn.SetColor(i, this->map[static_cast<unsigned char>(15 - i)]);
+        passed.SetColor(i, Color(255, 0, 0, 255));
+    }
+    for (unsigned i = 0; i < 16; ++i) {
+        Smart<Other> source(WithIndex<Other>(i));
+        static_cast<ScMappedSmartPixel<Other>*>(source.Get())->SetColorMap(&itsOwn);
+        TypeParam p{};
+        p.ConvertSmart(source.Get(), &passed, &this->map);
+        ASSERT_EQ(p.index, this->Nearest(this->map[static_cast<unsigned char>(15 - i)])) << i;
+    }
+}
+
 TYPED_TEST(MappedPixelOf, SmartPixel_ReadsTheMapsEntry) {
     for (unsigned i = 0; i <= this->kMask; ++i) {
         Smart<TypeParam> smart(WithIndex<TypeParam>(i));

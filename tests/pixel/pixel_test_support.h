@@ -8,6 +8,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <memory>
 #include <vector>
@@ -235,6 +236,33 @@ class Smart {
 
   private:
     std::unique_ptr<ScSmartPixel> mPixel{Record::NewSmartPixel()};
+};
+
+/// A smart pixel that says what it is told, counts what it is asked, and shows a payload of its own.
+class StSpy : public ScSmartPixel {
+  public:
+    unsigned long FamilyID() const override { return 0; }
+    unsigned long PixelID() const override { return id; }
+    void* GetPixelData() override { return payload; }
+    void SetPixelData(void const* record) override { std::memcpy(payload, record, sizeof payload); }
+    StRGBA32Pixel GetRGBA32() const override {
+        ++colorsAsked;
+        return color;
+    }
+    void SetRGBA32(StRGBA32Pixel) override {}
+    float GetFloat() const override {
+        ++floatsAsked;
+        return value;
+    }
+    void SetFloat(float) override {}
+    void GetColorFloats(StColorFloats&) const override {}
+    void SetColorFloats(StColorFloats const&) override {}
+
+    unsigned long id = SrCode("????");
+    alignas(8) unsigned char payload[16] = {};
+    StRGBA32Pixel color{};
+    float value = 0;
+    mutable int colorsAsked = 0, floatsAsked = 0;
 };
 
 }  // namespace pixel_test

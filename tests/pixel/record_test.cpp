@@ -233,47 +233,71 @@ constexpr bool kHasAnyRow = requires(Record a, void* row) {
     a.GetPixelFromRow(row, 0L);
 };
 
+// Conversions that come in pairs: 2 where a record has both, 0 where it has none.
+template <class Record>
+constexpr int kColorReads = requires(Record const a) {
+    a.ConvertToFloat();
+}
++ requires(Record const a, StColorFloats& out) {
+    a.ConvertToColorFloats(out);
+};
+template <class Record>
+constexpr int kFourFloatForms = requires(Record const a, StRGBAFloatPixel& out) {
+    a.ConvertToRGBAFloat(out);
+}
++ requires(Record a, StRGBAFloatPixel const& in) {
+    a.ConvertFromRGBAFloat(in);
+};
+template <class Record>
+constexpr bool kHasFromColor = requires(Record a, StColorFloats const& in) {
+    a.ConvertFromColorFloats(in);
+};
+
 struct StMembers {
     char const* name;
     bool merge, blend, mapForms, smart, stream, row;
+    int colorReads, fourFloatForms;
+    bool fromColor;
     bool hasMerge, hasBlend, hasMapForms, hasSmart, hasStream, hasAnyStream, hasRow, hasAnyRow;
+    int hasColorReads, hasFourFloatForms;
+    bool hasFromColor;
 };
 #define MEMBERS(R)                                                                             \
     kHasMerge<R>, kHasBlend<R>, kHasMapBlend<R>&&kHasMapSmart<R>, kHasSmart<R>, kHasStream<R>, \
-        kHasAnyStream<R>, kHasRow<R>, kHasAnyRow<R>
+        kHasAnyStream<R>, kHasRow<R>, kHasAnyRow<R>, kColorReads<R>, kFourFloatForms<R>, kHasFromColor<R>
 constexpr bool Y = true, n = false;
 // clang-format off
 constexpr StMembers kMembers[] = {
-    // record            Merge Blend with map Smart stream row
-    {"StRGBA32Pixel",      Y, Y, n, Y, Y, n, MEMBERS(StRGBA32Pixel)},
-    {"StRGB32Pixel",       Y, Y, n, Y, Y, n, MEMBERS(StRGB32Pixel)},
-    {"StRGB24Pixel",       Y, Y, n, Y, Y, n, MEMBERS(StRGB24Pixel)},
-    {"StRGB15Pixel",       Y, Y, n, Y, Y, n, MEMBERS(StRGB15Pixel)},
-    {"StRGB48Pixel",       Y, Y, n, Y, Y, n, MEMBERS(StRGB48Pixel)},
-    {"StRGBA64Pixel",      Y, Y, n, Y, Y, n, MEMBERS(StRGBA64Pixel)},
-    {"StRGBAFloatPixel",   Y, Y, n, Y, Y, n, MEMBERS(StRGBAFloatPixel)},
-    {"StColorFloats",      Y, Y, n, Y, Y, n, MEMBERS(StColorFloats)},
-    {"StGray8Pixel",       Y, Y, n, Y, Y, n, MEMBERS(StGray8Pixel)},
-    {"StGray4Pixel",       Y, Y, n, Y, Y, Y, MEMBERS(StGray4Pixel)},
-    {"StGray2Pixel",       Y, Y, n, Y, Y, Y, MEMBERS(StGray2Pixel)},
-    {"StBlackWhitePixel",  Y, Y, n, Y, Y, n, MEMBERS(StBlackWhitePixel)},
-    {"StMapped8Pixel",     n, n, Y, n, Y, n, MEMBERS(StMapped8Pixel)},
-    {"StMapped4Pixel",     n, n, Y, n, Y, Y, MEMBERS(StMapped4Pixel)},
-    {"StMapped2Pixel",     n, n, Y, n, Y, Y, MEMBERS(StMapped2Pixel)},
-    {"StMapped1Pixel",     n, n, Y, n, Y, Y, MEMBERS(StMapped1Pixel)},
-    {"StAlpha8Pixel",      Y, Y, n, Y, Y, n, MEMBERS(StAlpha8Pixel)},
-    {"StAlpha32Pixel",     Y, Y, n, Y, Y, n, MEMBERS(StAlpha32Pixel)},
-    {"StDepthFloatPixel",  Y, Y, n, Y, Y, n, MEMBERS(StDepthFloatPixel)},
-    {"StDepthUInt8Pixel",  n, n, n, Y, Y, n, MEMBERS(StDepthUInt8Pixel)},
-    {"StDepthUInt16Pixel", n, n, n, Y, Y, n, MEMBERS(StDepthUInt16Pixel)},
-    {"StDepthUInt24Pixel", n, n, n, Y, Y, n, MEMBERS(StDepthUInt24Pixel)},
-    {"StDepthUInt32Pixel", n, n, n, Y, Y, n, MEMBERS(StDepthUInt32Pixel)},
-    {"StCMYKPixel",        Y, Y, n, Y, Y, n, MEMBERS(StCMYKPixel)},
-    {"StRGBTFloatPixel",   n, n, n, n, n, n, MEMBERS(StRGBTFloatPixel)},
-    {"StHSLAPixel",        n, n, n, n, n, n, MEMBERS(StHSLAPixel)},
-    {"StHSVAPixel",        n, n, n, n, n, n, MEMBERS(StHSVAPixel)},
-    {"StYIQAPixel",        n, n, n, n, n, n, MEMBERS(StYIQAPixel)},
-    {"StVelocityPixel",    n, n, n, n, n, n, MEMBERS(StVelocityPixel)},
+    // record    Merge, Blend, with map, Smart, stream, row; color reads, four floats, ConvertFromColorFloats
+    {"StRGBA32Pixel",      Y, Y, n, Y, Y, n, 2, 2, n, MEMBERS(StRGBA32Pixel)},
+    {"StRGB32Pixel",       Y, Y, n, Y, Y, n, 2, 2, n, MEMBERS(StRGB32Pixel)},
+    {"StRGB24Pixel",       Y, Y, n, Y, Y, n, 2, 2, n, MEMBERS(StRGB24Pixel)},
+    {"StRGB15Pixel",       Y, Y, n, Y, Y, n, 2, 2, n, MEMBERS(StRGB15Pixel)},
+    {"StRGB48Pixel",       Y, Y, n, Y, Y, n, 2, 0, Y, MEMBERS(StRGB48Pixel)},
+    {"StRGBA64Pixel",      Y, Y, n, Y, Y, n, 2, 2, n, MEMBERS(StRGBA64Pixel)},
+    {"StRGBAFloatPixel",   Y, Y, n, Y, Y, n, 2, 0, n, MEMBERS(StRGBAFloatPixel)},
+    {"StColorFloats",      Y, Y, n, Y, Y, n, 2, 0, n, MEMBERS(StColorFloats)},
+    {"StGray8Pixel",       Y, Y, n, Y, Y, n, 2, 2, n, MEMBERS(StGray8Pixel)},
+    {"StGray4Pixel",       Y, Y, n, Y, Y, Y, 2, 2, n, MEMBERS(StGray4Pixel)},
+    {"StGray2Pixel",       Y, Y, n, Y, Y, Y, 2, 2, n, MEMBERS(StGray2Pixel)},
+    {"StBlackWhitePixel",  Y, Y, n, Y, Y, n, 2, 2, n, MEMBERS(StBlackWhitePixel)},
+    {"StMapped8Pixel",     n, n, Y, n, Y, n, 0, 0, n, MEMBERS(StMapped8Pixel)},
+    {"StMapped4Pixel",     n, n, Y, n, Y, Y, 0, 0, n, MEMBERS(StMapped4Pixel)},
+    {"StMapped2Pixel",     n, n, Y, n, Y, Y, 0, 0, n, MEMBERS(StMapped2Pixel)},
+    {"StMapped1Pixel",     n, n, Y, n, Y, Y, 0, 0, n, MEMBERS(StMapped1Pixel)},
+    {"StAlpha8Pixel",      Y, Y, n, Y, Y, n, 2, 2, n, MEMBERS(StAlpha8Pixel)},
+    {"StAlpha32Pixel",     Y, Y, n, Y, Y, n, 2, 2, n, MEMBERS(StAlpha32Pixel)},
+    {"StDepthFloatPixel",  Y, Y, n, Y, Y, n, 2, 2, n, MEMBERS(StDepthFloatPixel)},
+    {"StDepthUInt8Pixel",  n, n, n, Y, Y, n, 2, 0, n, MEMBERS(StDepthUInt8Pixel)},
+    {"StDepthUInt16Pixel", n, n, n, Y, Y, n, 2, 0, n, MEMBERS(StDepthUInt16Pixel)},
+    {"StDepthUInt24Pixel", n, n, n, Y, Y, n, 2, 0, n, MEMBERS(StDepthUInt24Pixel)},
+    {"StDepthUInt32Pixel", n, n, n, Y, Y, n, 2, 0, n, MEMBERS(StDepthUInt32Pixel)},
+    {"StCMYKPixel",        Y, Y, n, Y, Y, n, 2, 2, n, MEMBERS(StCMYKPixel)},
+    {"StRGBTFloatPixel",   n, n, n, n, n, n, 2, 0, n, MEMBERS(StRGBTFloatPixel)},
+    {"StHSLAPixel",        n, n, n, n, n, n, 2, 0, n, MEMBERS(StHSLAPixel)},
+    {"StHSVAPixel",        n, n, n, n, n, n, 2, 0, n, MEMBERS(StHSVAPixel)},
+    {"StYIQAPixel",        n, n, n, n, n, n, 2, 0, n, MEMBERS(StYIQAPixel)},
+    {"StVelocityPixel",    n, n, n, n, n, n, 2, 0, n, MEMBERS(StVelocityPixel)},
 };
 // clang-format on
 #undef MEMBERS
@@ -288,6 +312,9 @@ TEST(Records, Members_ExistWhereTheyShouldAndNowhereElse) {
         EXPECT_EQ(row.hasAnyStream, row.stream) << row.name;
         EXPECT_EQ(row.hasRow, row.row) << row.name;
         EXPECT_EQ(row.hasAnyRow, row.row) << row.name;
+        EXPECT_EQ(row.hasColorReads, row.colorReads) << row.name;
+        EXPECT_EQ(row.hasFourFloatForms, row.fourFloatForms) << row.name;
+        EXPECT_EQ(row.hasFromColor, row.fromColor) << row.name;
     }
 }
 

@@ -171,6 +171,12 @@ TEST(SetRGBA32, Alphas_TakeAlpha) {
     }
 }
 
+TEST(SetRGBA32, Alpha32_KeepsTheLowBitsOfTheProduct) {
+    StAlpha32Pixel const half = After(StAlpha32Pixel{9}, Color(1, 2, 3, 128));
+    EXPECT_EQ(half.alpha, 0x08080800u);
+    EXPECT_EQ(Of(half.GetRGBA32()), (Fields<4>{8, 8, 8, 8})) << "not 128";
+}
+
 TEST(SetRGBA32, IntegerDepths_SpreadTheMean) {
     for (unsigned sum = 0; sum <= 765; ++sum) {
         StRGBA32Pixel const c = Color(sum / 3, (sum + 1) / 3, (sum + 2) / 3, 200);

@@ -147,6 +147,64 @@ TEST(Streams, WideIntegerDepths_DoNotWrite) {
     CheckPutReads<StDepthUInt32Pixel>(4);
 }
 
+/// A stream on which so many bytes find room, and no more.
+class FullStream : public SmStream {
+  public:
+    explicit FullStream(unsigned room) : mRoom(room) {}
+    void Write(unsigned int size, void const*) override {
+        if (size > mRoom) SrThrow(-34, nullptr);
+        mRoom -= size;
+    }
+
+  private:
+    unsigned mRoom;
+};
+
+template <class Record>
+long ErrorOfPut(unsigned room) {
+    auto const stream = StRef<FullStream>::Adopt(new FullStream(room));
+    try {
+        Record{}.PutToStream(*stream.Get());
+        return 0;
+    } catch (std::exception const& failure) {
+        ScMessageClass* message;
+        return SrGetExceptionValues(failure, message);
+    }
+}
+
+template <class Record>
+void CheckFailingWrites(unsigned bytes, char const* name) {
+    for (unsigned room = 0; room < bytes; ++room)
+        EXPECT_EQ(ErrorOfPut<Record>(room), -34) << name << ' ' << room;
+    EXPECT_EQ(ErrorOfPut<Record>(bytes), 0) << name;
+}
+
+TEST(Streams, AFailedWrite_ThrowsWhatTheStreamThrows) {
+#define CHECK_WRITES(Record, bytes) CheckFailingWrites<Record>(bytes, #Record)
+    CHECK_WRITES(StRGBA32Pixel, 4);
+    CHECK_WRITES(StRGB32Pixel, 4);
+    CHECK_WRITES(StRGB24Pixel, 3);
+    CHECK_WRITES(StRGB15Pixel, 2);
+    CHECK_WRITES(StRGB48Pixel, 6);
+    CHECK_WRITES(StRGBA64Pixel, 8);
+    CHECK_WRITES(StRGBAFloatPixel, 16);
+    CHECK_WRITES(StColorFloats, 12);
+    CHECK_WRITES(StGray8Pixel, 1);
+    CHECK_WRITES(StGray4Pixel, 1);
+    CHECK_WRITES(StGray2Pixel, 1);
+    CHECK_WRITES(StBlackWhitePixel, 1);
+    CHECK_WRITES(StMapped8Pixel, 1);
+    CHECK_WRITES(StMapped4Pixel, 1);
+    CHECK_WRITES(StMapped2Pixel, 1);
+    CHECK_WRITES(StMapped1Pixel, 1);
+    CHECK_WRITES(StAlpha8Pixel, 1);
+    CHECK_WRITES(StAlpha32Pixel, 4);
+    CHECK_WRITES(StDepthFloatPixel, 4);
+    CHECK_WRITES(StDepthUInt8Pixel, 1);
+    CHECK_WRITES(StCMYKPixel, 4);
+#undef CHECK_WRITES
+}
+
 TEST(Streams, AShortRead_ThrowsEndOfFile) {
 #define ROW(Record, ...)                                                                 \
     {                                                                                    \
