@@ -4,6 +4,7 @@
 #include <stdlib.h>
 
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "framewright/framewright.h"
@@ -59,6 +60,34 @@ TEST(ExportedNames, PixelsGoThroughFrames) {
     EXPECT_EQ(color.blue, 10);
     EXPECT_EQ(color.green, 20);
     EXPECT_EQ(color.red, 30);
+}
+
+TEST(ExportedNames, ColorsAreConverted) {
+    StColorFloats white = SkWhiteColorFloats();
+    EXPECT_EQ(SrColorPower(white, 2.0f).red, 1.0f);
+    EXPECT_EQ(SkWhiteColorBytes().alpha, 255);
+    StCMYKPixel inks{};
+    SrConvertPixel(StRGBA32Pixel{0, 0, 255, 255}, inks);
+    EXPECT_EQ(inks.cyan, 0);
+    EXPECT_EQ(inks.magenta, 255);
+}
+
+TEST(ExportedNames, SmartPixelsCanBeMadeAndDerivedFrom) {
+    struct SpySmartPixel : ScDerivedPixel<StRGBA32Pixel> {
+        unsigned long PixelID() const override { return SrCode("Spy "); }
+    };
+    std::unique_ptr<ScSmartPixel> const spy(new SpySmartPixel);
+    spy->SetFloat(1.0f);
+    EXPECT_EQ(spy->GetRGBA32().green, 255);
+    EXPECT_EQ(spy->PixelID(), SrCode("Spy "));
+
+    ScColorMap<unsigned char, StRGBA32Pixel> map(2);
+    map.SetColor(1, StRGBA32Pixel{10, 20, 30, 255});
+    std::unique_ptr<ScMappedSmartPixel<StMapped8Pixel>> const mapped(new ScMappedSmartPixel<StMapped8Pixel>);
+    StMapped8Pixel const index{1};
+    mapped->SetPixelData(&index);
+    mapped->SetColorMap(&map);
+    EXPECT_EQ(mapped->GetRGBA32().red, 30);
 }
 
 /// A host may derive from a layer without the class machinery.
