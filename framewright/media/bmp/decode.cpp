@@ -2,61 +2,11 @@
 
 #include <algorithm>
 
-#include "framewright/pixel/row_packing.h"
+#include "framewright/media/bmp/pixel_forms.h"
 
 namespace bmp {
 
 namespace {
-
-// Pixels of a stretch of bytes, as ScPixelSink takes them.
-
-template <int Bits>
-struct StIndices {
-    static constexpr bool kIndexed = true;
-    unsigned char const* bytes;
-    unsigned char operator()(long i) const {
-        return static_cast<unsigned char>(pixel::StRowPacking<Bits>::Get(bytes, i));
-    }
-};
-
-template <>
-struct StIndices<8> {
-    static constexpr bool kIndexed = true;
-    unsigned char const* bytes;
-    unsigned char operator()(long i) const { return bytes[i]; }
-};
-
-/// A run of one index.
-struct StOneIndex {
-    static constexpr bool kIndexed = true;
-    unsigned char index;
-    unsigned char operator()(long) const { return index; }
-};
-
-struct StColors16 {
-    static constexpr bool kIndexed = false;
-    unsigned char const* bytes;
-    /// Blue and green are those of a 15-bit word, widened. Red is not: it takes the high five bits of the
-    /// second byte, and pictures have come out so ever since.
-    StRGBA32Pixel operator()(long i) const {
-        unsigned const low = bytes[2 * i];
-        unsigned const high = bytes[2 * i + 1];
-        return {static_cast<unsigned char>((low & 0x1F) << 3),
-                static_cast<unsigned char>(((low & 0xE0) >> 2) + ((high & 3) << 6)),
-                static_cast<unsigned char>(high & 0xF8), 255};
-    }
-};
-
-/// Blue, green, red, and at 32 bits a byte that is not looked at.
-template <int Bytes>
-struct StColorBytes {
-    static constexpr bool kIndexed = false;
-    unsigned char const* bytes;
-    StRGBA32Pixel operator()(long i) const {
-        unsigned char const* const pixel = bytes + Bytes * i;
-        return {pixel[0], pixel[1], pixel[2], 255};
-    }
-};
 
 /// Rows as they are, one behind the other.
 template <class Source>
@@ -68,6 +18,7 @@ void DecodeRows(StHeader const& header, ScPixelData& data, ScPixelSink& sink) {
     auto const bytes = static_cast<std::size_t>((columns * header.bitCount + 7) / 8);
     for (std::int64_t y = 0; y < rows; ++y) {
         auto const row = static_cast<std::uint32_t>(topDown ? y : header.height - 1 - y);
+        sink.BeginRow(y);
         sink.Place(0, y, columns, Source{data.Bytes(header.RowOffset(row), bytes)});
     }
 }
@@ -180,20 +131,16 @@ constexpr StDepth kDepths[] = {
     {32, DecodeRows<StColorBytes<4>>},
 };
 
-StDepth const* FindDepth(std::uint32_t bitCount) {
-    auto const found = std::find_if(std::begin(kDepths), std::end(kDepths),
-                                    [&](StDepth const& depth) { return depth.bitCount == bitCount; });
-    return found == std::end(kDepths) ? nullptr : found;
-}
-
 }  // namespace
 
-bool CanDecode(std::uint32_t bitCount) {
-    return FindDepth(bitCount) != nullptr;
-}
-
 void Decode(StHeader const& header, ScPixelData& data, ScPixelSink& sink) {
-    if (StDepth const* const depth = FindDepth(header.bitCount)) depth->decode(header, data, sink);
+    auto const depth = std::find_if(std::begin(kDepths), std::end(kDepths),
+                                    [&](StDepth const& row) { return row.bitCount == header.bitCount; });
+    if (depth != std::end(kDepths)) {
+        depth->decode(header, data, sink);
+    } else {
+        sink.LeaveEmpty();
+    }
 }
 
 }  // namespace bmp

@@ -1,4 +1,4 @@
-// The forms that pixels have in a BMP file.
+// From the pixel data of a BMP file to the pixels of a frame.
 #pragma once
 
 #include "framewright/media/bmp/header.h"
@@ -7,12 +7,9 @@
 
 namespace bmp {
 
-/// Whether pixels of this depth are known: 1, 4, 8, 16, 24 and 32 bits.
-bool CanDecode(std::uint32_t bitCount);
-
-/// Places all pixels of the picture. Rows run from the bottom up, but those of 1-bit pictures from the top
-/// down. A depth that is not known places nothing. Work and memory are bounded by the frame and the data,
-/// whatever the header says.
+/// Places all pixels of the picture: depths of 1, 4, 8, 16, 24 and 32 bits are known. Rows run from the
+/// bottom up, but those of 1-bit pictures from the top down. Any other depth places nothing. Work and memory
+/// are bounded by the frame and the data, whatever the header says.
 void Decode(StHeader const& header, ScPixelData& data, ScPixelSink& sink);
 
 }  // namespace bmp

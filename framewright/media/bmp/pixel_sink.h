@@ -5,87 +5,101 @@
 #include <cstdint>
 #include <cstring>
 
+#include "framewright/media/bmp/row_conversion.h"
 #include "framewright/media/bmp/row_records.h"
-#include "framewright/pixel/pixel_ops.h"
-#include "framewright/pixel/row_access.h"
 
 namespace bmp {
 
-/// A frame that takes stretches of pixels; what falls outside of it is dropped.
+/// A frame that takes stretches of pixels, in the forms of pixel_forms.h; what falls outside of it is
+/// dropped.
 ///
-/// A stretch comes as a source: a function of the pixel's number in the stretch that gives an index into the
-/// palette (then its kIndexed is true) or a colour. An index goes as it is into a frame of the file's own
-/// mapped type, so that a palette shows exactly whatever its colours, and into any other frame as its colour.
+/// An index goes as it is into a frame of the file's own mapped type, so that a palette shows exactly
+/// whatever its colours, and into any other frame as its colour.
 class ScPixelSink {
   public:
-    /// `indexID` is the mapped type of the file's pixels, or 0 when the frame is not to take indices.
-    ScPixelSink(SmImagerFrame* frame, StRGBA32Pixel const* palette, unsigned long indexID)
-        : mFrame(frame), mPalette(palette), mRow(frame), mSize(frame->GetSize()), mPixelID(frame->PixelID()) {
-        mTakesIndices = mPixelID == indexID;
-        mTakesColorRows = ColorRecords::Contains(mPixelID) && HasPlainRows(frame);
-    }
+    /// `indexID` is the mapped type of the file's pixels, or 0 when the frame is not to take indices. The
+    /// bytes of a new frame were never set: those that no pixel reaches become 0.
+    ScPixelSink(SmImagerFrame* frame, StRGBA32Pixel const* palette, unsigned long indexID, bool isNew)
+        : mFrame(frame),
+          mPalette(palette),
+          mRow(frame),
+          mSize(frame->GetSize()),
+          mPixelID(frame->PixelID()),
+          mTakesIndices(mPixelID == indexID),
+          mTakesColorRows(ColorRecords::Contains(mPixelID) && HasPlainRows(frame)),
+          mIsNew(isNew) {}
 
     /// Rows and columns of the frame.
     StPoint const& Size() const { return mSize; }
+
+    /// Called before the first pixels of a row are placed.
+    void BeginRow(std::int64_t y) {
+        if (mIsNew) ClearRow(static_cast<long>(y));
+    }
 
     /// The whole frame shows the palette's first colour.
     void EraseToFirstColor() {
         mFrame->SetBackground(mPalette[0]);
         mFrame->Erase();
-        if (!mTakesIndices || mSize.horizontal == 0) return;
-        // The background is the index nearest to the colour, and another entry may pass for it.
-        for (long y = 0; y < mSize.vertical; ++y) {
-            std::memset(mRow.At(y), 0, static_cast<std::size_t>(mFrame->BytesPerRow()));
-        }
+        // A mapped frame's background is an index near to the colour, and another entry may pass for it.
+        if (mTakesIndices) ClearRows();
+    }
+
+    /// No pixels come at all.
+    void LeaveEmpty() {
+        if (mIsNew) ClearRows();
     }
 
     /// Stores `count` pixels from (x, y) to the right.
     template <class Source>
     void Place(std::int64_t x, std::int64_t y, std::int64_t count, Source const& source) {
         if (y < 0 || y >= mSize.vertical || x >= mSize.horizontal) return;
-        long const left = static_cast<long>(x);
-        long const row = static_cast<long>(y);
-        long const columns = static_cast<long>(std::min<std::int64_t>(count, mSize.horizontal - x));
-        if constexpr (Source::kIndexed) {
-            if (mTakesIndices) {
-                StoreIndices(left, row, columns, source);
-            } else {
-                StoreColors(left, row, columns, [&](long i) { return mPalette[source(i)]; });
-            }
+        StStretch const to{static_cast<long>(x), static_cast<long>(y),
+                           static_cast<long>(std::min<std::int64_t>(count, mSize.horizontal - x))};
+        if constexpr (!Source::kIndexed) {
+            PlaceColors(to, source);
+        } else if (mTakesIndices) {
+            PlaceIndices(to, source);
         } else {
-            StoreColors(left, row, columns, source);
+            PlaceColors(to, [&](long i) { return mPalette[source(i)]; });
         }
     }
 
   private:
-    template <class Source>
-    void StoreIndices(long left, long y, long columns, Source const& source) {
-        void* const row = mRow.At(y);
-        MappedRecords::Visit(mPixelID, [&]<class Record>(Record record) {
-            for (long i = 0; i < columns; ++i) {
-                record.index = source(i);
-                pixel::StorePixel(row, left + i, record);
-            }
-        });
+    struct StStretch {
+        long left, row, columns;
+    };
+
+    template <class Indices>
+    void PlaceIndices(StStretch const& to, Indices const& indices) {
+        void* const row = mRow.At(to.row);
+        MappedRecords::Visit(
+            mPixelID, [&]<class Record>(Record) { StoreIndices<Record>(indices, row, to.left, to.columns); });
     }
 
     template <class Colors>
-    void StoreColors(long left, long y, long columns, Colors const& colors) {
-        if (!mTakesColorRows) {
-            for (long i = 0; i < columns; ++i) {
-                StRGBA32Pixel const color = colors(i);
-                mFrame->PutPixelAt(left + i, y, color);
-            }
+    void PlaceColors(StStretch const& to, Colors const& colors) {
+        if (mTakesColorRows) {
+            void* const row = mRow.At(to.row);
+            ColorRecords::Visit(mPixelID, [&]<class Record>(Record) {
+                StoreColors<Record>(colors, row, to.left, to.columns);
+            });
             return;
         }
-        void* const row = mRow.At(y);
-        ColorRecords::Visit(mPixelID, [&]<class Record>(Record record) {
-            for (long i = 0; i < columns; ++i) {
-                pixel::LoadPixel(row, left + i, record);
-                pixel::SetRGBA32(record, colors(i));
-                pixel::StorePixel(row, left + i, record);
-            }
-        });
+        for (long i = 0; i < to.columns; ++i) {
+            StRGBA32Pixel const color = colors(i);
+            mFrame->PutPixelAt(to.left + i, to.row, color);
+        }
+    }
+
+    void ClearRow(long y) {
+        auto const bytes = static_cast<std::size_t>(mFrame->BytesPerRow());
+        if (bytes > 0) std::memset(mRow.At(y), 0, bytes);
+    }
+    void ClearRows() {
+        if (mSize.horizontal == 0) return;
+        for (long y = 0; y < mSize.vertical; ++y)
+            ClearRow(y);
     }
 
     SmImagerFrame* mFrame;
@@ -93,8 +107,9 @@ class ScPixelSink {
     ScLockedRow mRow;
     StPoint mSize;
     unsigned long mPixelID;
-    bool mTakesIndices = false;
-    bool mTakesColorRows = false;
+    bool mTakesIndices;
+    bool mTakesColorRows;
+    bool mIsNew;
 };
 
 }  // namespace bmp

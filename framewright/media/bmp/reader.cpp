@@ -53,22 +53,12 @@ StPoint FrameSize(StHeader const& header) {
     return {static_cast<std::int32_t>(header.height), static_cast<std::int32_t>(header.width)};
 }
 
-/// All bytes of all rows 0: bytes that no pixel of the file reaches have a value too.
-void ClearRows(SmImagerFrame* frame) {
-    ScLockedRow row(frame);
-    auto const bytes = static_cast<std::size_t>(frame->BytesPerRow());
-    if (bytes == 0) return;
-    for (long y = 0; y < frame->GetSize().vertical; ++y)
-        std::memset(row.At(y), 0, bytes);
-}
-
 /// The frame to fill, with one reference.
 StRef<SmImagerFrame> FrameFor(StHeader const& header, SmImagerFrame* given, unsigned long option) {
     if (!given) {
         auto made = StRef<SmImagerFrame>::Adopt(
             SrMakeFrame(FrameSize(header), KindOf(header.bitCount).pixelID, false, false));
         SrThrowIfNIL(made.Get());
-        ClearRows(made.Get());
         return made;
     }
     if (option == kResizeFrame) {
@@ -155,7 +145,7 @@ SmImagerFrame* ReadPicture(SmStream* stream, SmImagerFrame* given, unsigned long
     places.GoTo(header.dataOffset);
     ScPixelData data(stream, header.ClaimedBytes());
     StFrameKind const& kind = KindOf(header.bitCount);
-    ScPixelSink sink(frame.Get(), palette.entries, map && kind.mapped ? kind.pixelID : 0);
+    ScPixelSink sink(frame.Get(), palette.entries, map && kind.mapped ? kind.pixelID : 0, !given);
     Decode(header, data, sink);
     return given ? given : frame.Release();
 }

@@ -5,12 +5,11 @@
 
 #include "framewright/frame/frame.h"
 #include "framewright/media/bmp/header.h"
+#include "framewright/media/bmp/row_conversion.h"
 #include "framewright/media/bmp/row_records.h"
 #include "framewright/media/media_errors.h"
 #include "framewright/pixel/color_map.h"
 #include "framewright/pixel/mapped_layer.h"
-#include "framewright/pixel/pixel_ops.h"
-#include "framewright/pixel/row_access.h"
 #include "framewright/thornmere/error.h"
 #include "framewright/thornmere/numbers.h"
 #include "framewright/thornmere/reference.h"
@@ -26,7 +25,6 @@ constexpr std::uint32_t kDataOffset = kFileHeaderBytes + kInfoHeaderBytes;
 constexpr std::uint32_t kBitCount = 24;
 constexpr std::size_t kBytesPerPixel = 3;
 constexpr double kInchesPerMetre = 39.37008;
-/// About how many bytes go out at a time.
 constexpr std::size_t kWriteBytes = 0x20000;
 
 StHeader HeaderFor(StPoint const& size, StResolution const& resolution) {
@@ -47,12 +45,43 @@ StHeader HeaderFor(StPoint const& size, StResolution const& resolution) {
     return header;
 }
 
-/// Both headers in one write.
-void WriteHeaders(SmStream* stream, StHeader const& header) {
+/// Gathers what goes to a stream. It goes out in blocks whose ends are multiples of kWriteBytes: those are
+/// whole pages of a file that is written from its beginning, which the system takes fastest.
+class ScBlocks {
+  public:
+    /// For `total` bytes, which come in pieces of at most `greatest`.
+    ScBlocks(SmStream* stream, std::size_t total, std::size_t greatest) : mStream(stream) {
+        mBytes.resize(std::min(total, kWriteBytes) + greatest);
+    }
+    /// Room for one piece.
+    unsigned char* Room() { return mBytes.data() + mFilled; }
+    /// The next piece stands in that room.
+    void Add(std::size_t bytes) {
+        mFilled += bytes;
+        if (mFilled >= kWriteBytes) Write(mFilled - mFilled % kWriteBytes);
+    }
+    void Finish() {
+        if (mFilled > 0) Write(mFilled);
+    }
+
+  private:
+    void Write(std::size_t bytes) {
+        mStream->Write(static_cast<unsigned int>(bytes), mBytes.data());
+        mFilled -= bytes;
+        std::memmove(mBytes.data(), mBytes.data() + bytes, mFilled);
+    }
+
+    SmStream* mStream;
+    ScVector<unsigned char> mBytes;
+    std::size_t mFilled = 0;
+};
+
+void AddHeaders(ScBlocks& blocks, StHeader const& header) {
     auto const bytes = StRef<SmMemoryStream>::Adopt(SmMemoryStream::New());
     SrThrowIfNIL(bytes.Get());
     WriteHeader(bytes.Get(), header);
-    stream->Write(bytes->GetLength(), bytes->Data());
+    std::memcpy(blocks.Room(), bytes->Data(), bytes->GetLength());
+    blocks.Add(bytes->GetLength());
 }
 
 /// Gives the rows of a frame as blue, green and red bytes.
@@ -68,37 +97,25 @@ class ScPixelSource {
 
     void FetchRow(long y, unsigned char* bytes) {
         if (mHasColorRows) {
-            void const* const row = mRow.At(y);
-            ColorRecords::Visit(mPixelID, [&]<class Record>(Record record) {
-                for (long x = 0; x < mColumns; ++x) {
-                    pixel::LoadPixel(row, x, record);
-                    Store(pixel::GetRGBA32(record), bytes + x * kBytesPerPixel);
-                }
+            ColorRecords::Visit(mPixelID, [&]<class Record>(Record) {
+                FetchColors<Record>(mRow.At(y), bytes, mColumns, pixel::GetRGBA32<Record>);
             });
         } else if (mMap) {
-            void const* const row = mRow.At(y);
-            MappedRecords::Visit(mPixelID, [&]<class Record>(Record record) {
-                for (long x = 0; x < mColumns; ++x) {
-                    pixel::LoadPixel(row, x, record);
-                    Store((*mMap)[static_cast<unsigned char>(record.index)], bytes + x * kBytesPerPixel);
-                }
+            MappedRecords::Visit(mPixelID, [&]<class Record>(Record) {
+                FetchColors<Record>(mRow.At(y), bytes, mColumns, [&](Record const& record) {
+                    return (*mMap)[static_cast<unsigned char>(record.index)];
+                });
             });
         } else {
             for (long x = 0; x < mColumns; ++x) {
                 StRGBA32Pixel color{};
                 mFrame->GetPixelAt(x, y, color);
-                Store(color, bytes + x * kBytesPerPixel);
+                std::memcpy(bytes + x * kBytesPerPixel, &color, kBytesPerPixel);
             }
         }
     }
 
   private:
-    static void Store(StRGBA32Pixel color, unsigned char* bytes) {
-        bytes[0] = color.blue;
-        bytes[1] = color.green;
-        bytes[2] = color.red;
-    }
-
     SmImagerFrame* mFrame;
     ScColorMap<unsigned char, StRGBA32Pixel>* mMap;
     ScLockedRow mRow;
@@ -112,26 +129,20 @@ class ScPixelSource {
 void WritePicture(SmStream* stream, SmImagerFrame* frame, StResolution const& resolution) {
     StPoint const size = frame->GetSize();
     StHeader const header = HeaderFor(size, resolution);
-    WriteHeaders(stream, header);
-    if (header.imageSize == 0) return;
-
     auto const stride = static_cast<std::size_t>(header.Stride());
     std::size_t const pixelBytes = header.width * kBytesPerPixel;
-    std::size_t const rowsAtOnce = std::clamp<std::size_t>(kWriteBytes / stride, 1, header.height);
-    ScVector<unsigned char> buffer;
-    buffer.resize(rowsAtOnce * stride);
-    std::size_t filled = 0;
-    ScPixelSource pixels(frame);
-    for (long y = size.vertical - 1; y >= 0; --y) {
-        unsigned char* const row = buffer.data() + filled;
-        pixels.FetchRow(y, row);
-        std::memcpy(row + pixelBytes, row + pixelBytes - kBytesPerPixel, stride - pixelBytes);
-        filled += stride;
-        if (filled == buffer.size() || y == 0) {
-            stream->Write(static_cast<unsigned int>(filled), buffer.data());
-            filled = 0;
+    ScBlocks blocks(stream, header.fileSize, std::max<std::size_t>(stride, kDataOffset));
+    AddHeaders(blocks, header);
+    if (header.imageSize > 0) {
+        ScPixelSource pixels(frame);
+        for (long y = size.vertical - 1; y >= 0; --y) {
+            unsigned char* const row = blocks.Room();
+            pixels.FetchRow(y, row);
+            std::memcpy(row + pixelBytes, row + pixelBytes - kBytesPerPixel, stride - pixelBytes);
+            blocks.Add(stride);
         }
     }
+    blocks.Finish();
 }
 
 }  // namespace bmp
