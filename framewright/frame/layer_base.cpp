@@ -74,8 +74,9 @@ void SmLayerBase::RefuseOverLimit() const {
 }
 
 void SmLayerBase::AllocateBlock(StPixelKind const& kind, bool nativeBitmap) {
-    mBlockBytes = static_cast<std::size_t>(mRowBytes) * static_cast<std::size_t>(mSize.vertical);
-    if (nativeBitmap && kind.MayBeNative()) {
+    mBlockBytes = static_cast<std::size_t>(mSize.vertical == 0 ? 0 : mRowBytes) *
+                  static_cast<std::size_t>(mSize.vertical);
+    if (nativeBitmap && kind.MayBeNative() && SrHasPixels(mSize)) {
         mBlock = SrCreateWinBitmap(mSize.horizontal, mSize.vertical, mRowBytes, kind.bits,
                                    static_cast<long>(kind.id), mNativeBitmap, mNativeImageContext, nullptr);
     } else {

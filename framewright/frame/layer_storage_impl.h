@@ -20,16 +20,17 @@ template <class Pixel, class Spool>
 void SmImagerLayer<Pixel, Spool>::IImagerLayer(StPoint const& topLeft, StPoint const& size,
                                                [[maybe_unused]] bool nativeBitmap, void* base, long rowBytes,
                                                SmImagerFrame* parent) {
-    this->TakeGeometry(topLeft, size, kKind.bits, base, rowBytes, parent);
-    mSpooler.ISpooler(size.vertical, RowDistance(), nullptr);
-    if constexpr (!Spool::kRowsLeaveMemory) {
-        try {
+    try {
+        this->TakeGeometry(topLeft, size, kKind.bits, base, rowBytes, parent);
+        mSpooler.ISpooler(size.vertical, RowDistance(), nullptr);
+        if constexpr (!Spool::kRowsLeaveMemory) {
             if (this->mOwnsBase) this->AllocateBlock(kKind, nativeBitmap);
-        } catch (...) {
-            mSpooler.TearDown();
-            throw;
+            BindRows(this->RowStart(kKind.bits));
         }
-        BindRows(this->RowStart(kKind.bits));
+    } catch (...) {
+        mSpooler.TearDown();
+        this->mSize = {0, 0};  // no rows are left to draw in, so no operation may find any
+        throw;
     }
     this->mUpdated = false;
 }

@@ -48,7 +48,7 @@ void SmImagerLayer<Pixel, Spool>::StretchRow(SmImagerFrame* source, StPoint cons
     void* const row = this->LockRow(y);
     for (long x = to.left; x < to.right; ++x) {
         float const fx = map.columns.At(x);
-        long const x0 = SrITrunc(fx);
+        long const x0 = std::min<long>(SrITrunc(fx), lastColumn);
         long const x1 = x0 < lastColumn ? x0 + 1 : x0;
         float const across = fx - static_cast<float>(x0);
         Pixel a{}, b{}, c{}, d{};
@@ -71,21 +71,25 @@ bool SmImagerLayer<Pixel, Spool>::StretchBlitFast(SmImagerFrame* source, StRect 
                                                   StRect const& to) {
     this->mUpdated = true;
     this->EnsureScreenSafe(to);
-    if (SrHasPixels(source->GetSize())) {
+    StPoint const sourceSize = source->GetSize();
+    if (SrHasPixels(sourceSize)) {
         frame::StStretchMap const map(from, to);
+        long const lastRow = sourceSize.vertical - 1L;
+        long const lastColumn = sourceSize.horizontal - 1L;
         bool const onePixelType = frame::OnePixelType(*source, *this);
         std::unique_ptr<ScSmartPixel> const smart(onePixelType ? nullptr : source->NewSmartPixel());
         for (long y = to.top; y < to.bottom; ++y) {
-            long const sy = map.rows.PixelAt(y);
+            long const sy = std::min(map.rows.PixelAt(y), lastRow);
             void const* const sourceRow = onePixelType ? source->GetRow(sy) : nullptr;
             void* const row = onePixelType ? Row(y) : nullptr;
             for (long x = to.left; x < to.right; ++x) {
+                long const sx = std::min(map.columns.PixelAt(x), lastColumn);
                 if (onePixelType) {
                     Pixel pixel{};
-                    pixel::LoadPixel(sourceRow, map.columns.PixelAt(x), pixel);
+                    pixel::LoadPixel(sourceRow, sx, pixel);
                     pixel::StorePixel(row, x, pixel);
                 } else {
-                    source->GetPixelAt(map.columns.PixelAt(x), sy, smart.get());
+                    source->GetPixelAt(sx, sy, smart.get());
                     this->PutPixelAt(x, y, smart.get());
                 }
             }

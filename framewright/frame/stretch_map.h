@@ -9,7 +9,8 @@
 namespace frame {
 
 /// One axis. The first pixel maps to the first and the last to the last; a destination of one pixel takes the
-/// first. All in 32-bit floats.
+/// first. All in 32-bit floats: from 2 to the 23 pixels on rounding may lift a place past the last one, so
+/// who reads there clamps it.
 class ScStretchAxis {
   public:
     ScStretchAxis(long from, long fromEnd, long to, long toEnd)

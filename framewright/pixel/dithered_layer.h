@@ -85,8 +85,18 @@ class FRAMEWRIGHT_EXPORT SmImagerDitheredLayer : public SmManaged<SmImagerDither
     /// The transfer of "BIDI", through the colours that this layer's pixels can have. Returns false.
     virtual bool DitheredBlit(SmImagerFrame* source, StRect const& from, StPoint const& to);
 
-    ScVector<pixel::StDitherError> mErrors;  ///< empty before initialisation and in a layer without columns
-    std::int32_t mLastTop = 0;               ///< the source top of the dithered blit before
+    /// A row of errors above this size in bytes that would outweigh the pixels waits for the first dithered
+    /// blit.
+    static constexpr std::int64_t kSmallErrorRow = 1 << 20;
+
+    /// Errors of 0. -108 when memory is refused, or for a row over the frame limit.
+    void NewErrors(long columns);
+    /// What a layer of that size starts with.
+    void NewErrorsWith(StPoint const& size);
+
+    ScVector<pixel::StDitherError>
+        mErrors;                ///< empty before initialisation and where the first blit makes it
+    std::int32_t mLastTop = 0;  ///< the source top of the dithered blit before
 };
 
 #define SR_ROW(Record)                                                                    \

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "framewright/frame/copy_road.h"
+#include "framewright/frame/frame_limit.h"
 #include "framewright/frame/storage_choice.h"
 #include "framewright/pixel/blit_part.h"
 #include "framewright/pixel/dither.h"
@@ -44,8 +45,7 @@ template <class Pixel, class Spool>
 void SmImagerDitheredLayer<Pixel, Spool>::IImagerDitheredLayer(StPoint const& topLeft, StPoint const& size,
                                                                bool nativeBitmap, void* base, long rowBytes) {
     this->IImagerLayer(topLeft, size, nativeBitmap, base, rowBytes, nullptr);
-    mErrors = {};
-    ClearDither(0, size.horizontal);
+    NewErrorsWith(size);
 }
 
 template <class Pixel, class Spool>
@@ -105,7 +105,7 @@ template <class Pixel, class Spool>
 void SmImagerDitheredLayer<Pixel, Spool>::ClearDither(long left, long right) {
     long const width = this->GetSize().horizontal;
     if (mErrors.empty()) {
-        mErrors.resize(static_cast<std::size_t>(std::max(width, 0L)));
+        NewErrors(width);
         return;
     }
     if (left == 0 && right == 0) right = width;
@@ -116,18 +116,33 @@ void SmImagerDitheredLayer<Pixel, Spool>::ClearDither(long left, long right) {
 }
 
 template <class Pixel, class Spool>
+void SmImagerDitheredLayer<Pixel, Spool>::NewErrors(long columns) {
+    mErrors = {};
+    auto const count = static_cast<std::uint64_t>(std::max(columns, 0L));
+    if (count * sizeof(pixel::StDitherError) > SrGetFrameSizeLimit()) SrThrow(SkMemoryFull(), nullptr);
+    mErrors.resize(static_cast<std::size_t>(count));
+}
+
+template <class Pixel, class Spool>
+void SmImagerDitheredLayer<Pixel, Spool>::NewErrorsWith(StPoint const& size) {
+    mErrors = {};
+    std::int64_t const bytes = size.horizontal * std::int64_t{sizeof(pixel::StDitherError)};
+    std::int64_t const pixelBytes = std::int64_t{size.horizontal} * size.vertical * Pixel::PixelSize() / 8;
+    bool const outgrowsFrame = bytes > kSmallErrorRow && bytes > pixelBytes;
+    if (SrHasPixels(size) && !outgrowsFrame) NewErrors(size.horizontal);
+}
+
+template <class Pixel, class Spool>
 void SmImagerDitheredLayer<Pixel, Spool>::Resize(StPoint const& size, StImageInterpolationMethod) {
     if (size.horizontal != this->GetSize().horizontal) {
-        mErrors = {};
-        mErrors.resize(static_cast<std::size_t>(std::max(size.horizontal, 0)));
+        NewErrorsWith(size);
     }
     Layer::Resize(size, StImageInterpolationMethod::kNone);
 }
 
 template <class Pixel, class Spool>
 void SmImagerDitheredLayer<Pixel, Spool>::CloneFrom(SmImagerDitheredLayer const& other) {
-    mErrors = {};
-    mErrors.resize(static_cast<std::size_t>(std::max(other.mSize.horizontal, 0)));
+    NewErrorsWith(other.mSize);
     mLastTop = 0;
     Layer::CloneFrom(other);
 }

@@ -112,6 +112,10 @@ class FRAMEWRIGHT_EXPORT SmImagerMappedLayer : public SmManaged<SmImagerMappedLa
     void CloneFrom(SmImagerMappedLayer const& other);
     void Free() override;
 
+    /// Between layers of one class the indices move as they are, also where pixels begin or end inside a
+    /// byte.
+    bool DissimilarBlit(SmImagerFrame* source, StRect const& from, StPoint const& to) override;
+
   private:
     bool DitheredBlit(SmImagerFrame* source, StRect const& from, StPoint const& to) override;
 

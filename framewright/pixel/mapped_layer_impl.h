@@ -276,6 +276,24 @@ bool SmImagerMappedLayer<Pixel, Spool>::BlitRect(SmImagerFrame* source, StRect c
 }
 
 template <class Pixel, class Spool>
+bool SmImagerMappedLayer<Pixel, Spool>::DissimilarBlit(SmImagerFrame* source, StRect const& from,
+                                                       StPoint const& to) {
+    if (source->GetClass() != this->GetClass()) return Dithered::DissimilarBlit(source, from, to);
+    this->EnsureScreenSafe(frame::PlacedAt(from, to));
+    Pixel index{};
+    long row = to.vertical;
+    for (long y = from.top; y < from.bottom; ++y, ++row) {
+        long column = to.horizontal;
+        for (long x = from.left; x < from.right; ++x, ++column) {
+            source->GetPixelAt(x, y, static_cast<void*>(&index));
+            this->PutPixelAt(column, row, static_cast<void const*>(&index));
+        }
+    }
+    this->ReleaseScreenSafe();
+    return false;
+}
+
+template <class Pixel, class Spool>
 bool SmImagerMappedLayer<Pixel, Spool>::DitheredBlit(SmImagerFrame* source, StRect const& from,
                                                      StPoint const& to) {
     pixel::ScPutMapped<Pixel> put(Map());

@@ -34,6 +34,21 @@ TYPED_TEST(MappedLayerLife, Clone_KeepsColorsAndIndicesAndHasStandardGrounds) {
         << "colours set one by one, not a copied cache";
 }
 
+// Two entries of one colour, and a row that ends inside a byte: the indices stay apart all the same.
+TYPED_TEST(MappedLayerLife, Clone_KeepsIndicesOfEqualColorsInRowsOfAnyWidth) {
+    auto const layer = Mapped<TypeParam>(1, 7);
+    SetColors(layer.Get(), {Rgba(64, 64, 64), Rgba(64, 64, 64)});
+    for (int x = 0; x < 7; ++x)
+        layer->PutMatchedPixelAt(x, 0, IndexPixel<TypeParam>(x & 1));
+    auto const clone = StRef<SmMapped<TypeParam>>::Adopt(layer->Clone());
+    auto const copy = Mapped<TypeParam>(1, 7);
+    copy->CopyFromLayer(layer.Get());
+    for (int x = 0; x < 7; ++x) {
+        EXPECT_EQ(clone->GetMatchedPixelAt(x, 0).index, x & 1) << x;
+        EXPECT_EQ(copy->GetMatchedPixelAt(x, 0).index, x & 1) << x;
+    }
+}
+
 TYPED_TEST(MappedLayerLife, ImplementBecome_TakesTheMapOverAndKeepsTheCount) {
     auto const layer = Mapped<TypeParam>(2, 2), other = Mapped<TypeParam>(3, 4);
     SetColors(other.Get(), {Rgba(1, 2, 3), Rgba(4, 5, 6)});
