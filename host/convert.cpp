@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <memory>
 
 #include "commands.h"
 #include "frame_transform.h"
@@ -69,10 +70,18 @@ StRef<SmVideoSpec> OutputSpec(ConvertOptions const& options, SourceMedia const& 
     return spec;
 }
 
-/// The place of a frame in the output: 3 the only one, 1 the first, 2 the last, 0 in between.
+/// The place of a frame in the output.
 unsigned char PositionOf(long index, long count) {
-    if (count == 1) return 3;
-    return index == 0 ? 1 : index == count - 1 ? 2 : 0;
+    if (count == 1) return kOnlyFrame;
+    return index == 0 ? kFirstFrame : index == count - 1 ? kLastFrame : kMiddleFrame;
+}
+
+/// Throws when a name of the sequence could not hold its number: the files would not be found again as one
+/// sequence.
+void RequireRoomForNumber(std::string const& output, ScMediaLocation const& location, long number) {
+    std::unique_ptr<ScMediaLocation> const last(location.Clone());
+    if (!last->SetSequence(number) || last->GetSequence() != number)
+        throw HostError(output, "has too few digits for a sequence up to " + std::to_string(number));
 }
 
 }  // namespace
@@ -91,6 +100,11 @@ void RunConvert(ConvertOptions const& options) {
         auto const [first, last] = FrameRange(options, source, number);
         long const count = last - first + 1;
         long const base = number >= 0 ? number - 1 : 0;
+
+        if (count > 1) {
+            RequireRoomForNumber(options.output, location, base + 1);
+            RequireRoomForNumber(options.output, location, base + count);
+        }
 
         auto media = StRef<SmMedia>::Adopt(SrGlobalMediaManager()->CreateMedia(&location, writer.GetType()));
         StRef<SmVideoSpec> const spec = OutputSpec(options, source, writer, count);

@@ -4,6 +4,7 @@
 
 #include "commands.h"
 #include "host_error.h"
+#include "interrupt.h"
 #include "source_media.h"
 
 namespace {
@@ -14,7 +15,7 @@ Json PaletteFacts(SmImagerFrame& frame) {
     auto* map = SrGetColorMapFromFrame(&frame);
     if (!map) return nullptr;
     Json colors = Json::array();
-    for (int i = 0; i < map->UsedCount(); ++i) {
+    for (int i = 0; i < map->UsedEntries(); ++i) {
         StRGBA32Pixel const color = (*map)[static_cast<unsigned char>(i)];
         char text[10];
         std::snprintf(text, sizeof text, "#%02X%02X%02X%02X", color.red, color.green, color.blue,
@@ -100,6 +101,7 @@ bool RunInfo(InfoOptions const& options) {
     bool all = true;
     Json listing = Json::array();
     for (std::string const& file : options.files) {
+        StopIfInterrupted();
         try {
             Json facts = Blaming(file, true, [&] { return FileFacts(file); });
             if (options.json)

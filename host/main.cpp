@@ -2,6 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <csignal>
 #include <iostream>
+#include <map>
 
 #include "commands.h"
 #include "host_error.h"
@@ -123,7 +124,9 @@ int main(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const& error) {
-        return app.exit(error) == 0 ? kDone : kWrongUsage;
+        if (error.get_exit_code() == 0) return app.exit(error);
+        std::cerr << "framewright: " << error.what() << "; see framewright --help\n";
+        return kWrongUsage;
     }
 
     bool done = true;

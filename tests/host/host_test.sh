@@ -90,6 +90,7 @@ check "an unknown pixel type fails" status_is 1
 check "and is named" one_error_line "nope"
 run convert in.bmp
 check "a missing argument is wrong usage" status_is 2
+check "told in one line" one_error_line "framewright: "
 run
 check "no command is wrong usage" status_is 2
 run convert in.bmp out.xyz
@@ -170,6 +171,10 @@ check "each from its own" bytes_are copy03.bmp 54 3 1e0000
 run convert shot01.bmp copy08.bmp --frames 1-2
 check "--frames takes a part, numbered from the output's number" bytes_are copy08.bmp 54 3 140000
 check "to the last" bytes_are copy09.bmp 54 3 1e0000
+run convert shot01.bmp end98.bmp
+check "a sequence that outgrows its digits fails" status_is 1
+check "with the output's name" one_error_line "end98.bmp"
+check "and writes nothing" absent end98.bmp
 run convert shot02.bmp one.bmp
 check "an output without a number is the file named" bytes_are one.bmp 54 3 140000
 run convert shot01.bmp part.bmp --frames 0-1

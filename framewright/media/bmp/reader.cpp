@@ -127,6 +127,8 @@ void SetColors(ColorMap& map, StPalette const& palette) {
 
 SmImagerFrame* ReadPicture(SmStream* stream, SmImagerFrame* given, unsigned long option) {
     StHeader const header = ReadHeader(stream);
+    // Resizing leaves pixels that were never set, as a new frame has.
+    bool const isNew = !given || (option == kResizeFrame && given->GetSize() != FrameSize(header));
     StRef<SmImagerFrame> frame = FrameFor(header, given, option);
     ColorMap* const map = SrGetColorMapFromFrame(frame.Get());
 
@@ -145,7 +147,7 @@ SmImagerFrame* ReadPicture(SmStream* stream, SmImagerFrame* given, unsigned long
     places.GoTo(header.dataOffset);
     ScPixelData data(stream, header.ClaimedBytes());
     StFrameKind const& kind = KindOf(header.bitCount);
-    ScPixelSink sink(frame.Get(), palette.entries, map && kind.mapped ? kind.pixelID : 0, !given);
+    ScPixelSink sink(frame.Get(), palette.entries, map && kind.mapped ? kind.pixelID : 0, isNew);
     Decode(header, data, sink);
     return given ? given : frame.Release();
 }

@@ -2,6 +2,8 @@
 // operations. Both roads give the same pixels; the first needs no virtual call a pixel.
 #pragma once
 
+#include <typeinfo>
+
 #include "framewright/frame/frame.h"
 #include "framewright/frame/registries.h"
 #include "framewright/pixel/pixels.h"
@@ -10,10 +12,12 @@ namespace bmp {
 
 /// Whether a row's address leads to pixels that lie there one after the other in the form of the frame's
 /// record. So it is with the classes that the frame factory makes; a frame of another class, a window onto a
-/// part of a parent for one, may move or convert pixels on their way.
+/// part of a parent for one or a host's own class derived from a layer, may move or convert pixels on their
+/// way.
 inline bool HasPlainRows(SmImagerFrame* frame) {
     SmImagerFrame* prototype = nullptr;
-    return ScLayerRegistry::GetObjectByID(frame->GetClass(), false, prototype);
+    return ScLayerRegistry::GetObjectByID(frame->GetClass(), false, prototype) &&
+           typeid(*prototype) == typeid(*frame);
 }
 
 /// A list of records, for choosing one by the id that a frame gives.

@@ -131,7 +131,9 @@ void WritePicture(SmStream* stream, SmImagerFrame* frame, StResolution const& re
     StHeader const header = HeaderFor(size, resolution);
     auto const stride = static_cast<std::size_t>(header.Stride());
     std::size_t const pixelBytes = header.width * kBytesPerPixel;
-    ScBlocks blocks(stream, header.fileSize, std::max<std::size_t>(stride, kDataOffset));
+    // A picture without rows has no row to make room for, however wide.
+    ScBlocks blocks(stream, header.fileSize,
+                    std::max<std::size_t>(header.imageSize > 0 ? stride : 0, kDataOffset));
     AddHeaders(blocks, header);
     if (header.imageSize > 0) {
         ScPixelSource pixels(frame);
