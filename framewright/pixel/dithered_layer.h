@@ -89,6 +89,8 @@ class FRAMEWRIGHT_EXPORT SmImagerDitheredLayer : public SmManaged<SmImagerDither
     /// blit.
     static constexpr std::int64_t kSmallErrorRow = 1 << 20;
 
+    /// The layer has no row of errors.
+    void ReleaseErrors();
     /// Errors of 0. -108 when memory is refused, or for a row over the frame limit.
     void NewErrors(long columns);
     /// What a layer of that size starts with.

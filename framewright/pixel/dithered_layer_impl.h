@@ -116,8 +116,14 @@ void SmImagerDitheredLayer<Pixel, Spool>::ClearDither(long left, long right) {
 }
 
 template <class Pixel, class Spool>
+void SmImagerDitheredLayer<Pixel, Spool>::ReleaseErrors() {
+    // Not `= {}`: in a template clang 14 forgets to destroy what that makes, and the old errors with it.
+    mErrors = ScVector<pixel::StDitherError>();
+}
+
+template <class Pixel, class Spool>
 void SmImagerDitheredLayer<Pixel, Spool>::NewErrors(long columns) {
-    mErrors = {};
+    ReleaseErrors();
     auto const count = static_cast<std::uint64_t>(std::max(columns, 0L));
     if (count * sizeof(pixel::StDitherError) > SrGetFrameSizeLimit()) SrThrow(SkMemoryFull(), nullptr);
     mErrors.resize(static_cast<std::size_t>(count));
@@ -125,7 +131,7 @@ void SmImagerDitheredLayer<Pixel, Spool>::NewErrors(long columns) {
 
 template <class Pixel, class Spool>
 void SmImagerDitheredLayer<Pixel, Spool>::NewErrorsWith(StPoint const& size) {
-    mErrors = {};
+    ReleaseErrors();
     std::int64_t const bytes = size.horizontal * std::int64_t{sizeof(pixel::StDitherError)};
     std::int64_t const pixelBytes = std::int64_t{size.horizontal} * size.vertical * Pixel::PixelSize() / 8;
     bool const outgrowsFrame = bytes > kSmallErrorRow && bytes > pixelBytes;
@@ -149,6 +155,6 @@ void SmImagerDitheredLayer<Pixel, Spool>::CloneFrom(SmImagerDitheredLayer const&
 
 template <class Pixel, class Spool>
 void SmImagerDitheredLayer<Pixel, Spool>::Free() {
-    mErrors = {};
+    ReleaseErrors();
     Layer::Free();
 }
