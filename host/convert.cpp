@@ -76,12 +76,21 @@ unsigned char PositionOf(long index, long count) {
     return index == 0 ? kFirstFrame : index == count - 1 ? kLastFrame : kMiddleFrame;
 }
 
-/// Throws when a name of the sequence could not hold its number: the files would not be found again as one
-/// sequence.
-void RequireRoomForNumber(std::string const& output, ScMediaLocation const& location, long number) {
-    std::unique_ptr<ScMediaLocation> const last(location.Clone());
-    if (!last->SetSequence(number) || last->GetSequence() != number)
-        throw HostError(output, "has too few digits for a sequence up to " + std::to_string(number));
+/// The path of the file with `number` in the sequence of `location`; empty where there can be none.
+std::string PathOfNumber(ScMediaLocation const& location, long number) {
+    std::unique_ptr<ScMediaLocation> const file(location.Clone());
+    ScHeapString path;
+    bool const named = file->SetSequence(number) && file->GetSequence() == number && file->GetFullPath(path);
+    return named ? path.AsCString() : "";
+}
+
+/// Throws when the digits of the name end before the sequence does: its files would not be found again as
+/// one.
+void RequireRoomForNumbers(std::string const& output, ScMediaLocation const& location, long first,
+                           long last) {
+    std::string const begin = PathOfNumber(location, first), end = PathOfNumber(location, last);
+    if (begin.empty() || begin.size() != end.size())
+        throw HostError(output, "has too few digits for a sequence up to " + std::to_string(last));
 }
 
 }  // namespace
@@ -101,10 +110,7 @@ void RunConvert(ConvertOptions const& options) {
         long const count = last - first + 1;
         long const base = number >= 0 ? number - 1 : 0;
 
-        if (count > 1) {
-            RequireRoomForNumber(options.output, location, base + 1);
-            RequireRoomForNumber(options.output, location, base + count);
-        }
+        if (count > 1) RequireRoomForNumbers(options.output, location, base + 1, base + count);
 
         auto media = StRef<SmMedia>::Adopt(SrGlobalMediaManager()->CreateMedia(&location, writer.GetType()));
         StRef<SmVideoSpec> const spec = OutputSpec(options, source, writer, count);
