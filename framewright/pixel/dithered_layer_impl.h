@@ -133,8 +133,10 @@ template <class Pixel, class Spool>
 void SmImagerDitheredLayer<Pixel, Spool>::NewErrorsWith(StPoint const& size) {
     ReleaseErrors();
     std::int64_t const bytes = size.horizontal * std::int64_t{sizeof(pixel::StDitherError)};
-    std::int64_t const pixelBytes = std::int64_t{size.horizontal} * size.vertical * Pixel::PixelSize() / 8;
-    bool const outgrowsFrame = bytes > kSmallErrorRow && bytes > pixelBytes;
+    // More bits a column than all rows have there.
+    bool const outweighs =
+        std::int64_t{size.vertical} * Pixel::PixelSize() < long{sizeof(pixel::StDitherError) * 8};
+    bool const outgrowsFrame = bytes > kSmallErrorRow && outweighs;
     if (SrHasPixels(size) && !outgrowsFrame) NewErrors(size.horizontal);
 }
 
