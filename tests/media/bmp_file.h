@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "framewright/frame/frame.h"
+#include "framewright/frame/layer.h"
 #include "framewright/frame/layer_factory.h"
 #include "framewright/media/bmp.h"
 #include "framewright/media/media_location.h"
@@ -88,6 +89,26 @@ struct File {
 /// An opaque colour.
 constexpr std::uint32_t Rgb(unsigned red, unsigned green, unsigned blue) {
     return 0xFF000000u | red << 16 | green << 8 | blue;
+}
+
+constexpr std::uint32_t kRed = Rgb(255, 0, 0);
+constexpr std::uint32_t kGreen = Rgb(0, 255, 0);
+constexpr std::uint32_t kBlue = Rgb(0, 0, 255);
+constexpr std::uint32_t kWhite = Rgb(255, 255, 255);
+
+/// Blue, green, red, fourth byte: red, green, blue, white, and twelve shades of grey.
+inline Bytes Palette(std::size_t entries, std::size_t width = 4) {
+    Bytes bytes;
+    for (std::size_t i = 0; i < entries; ++i) {
+        unsigned char const shade = static_cast<unsigned char>(i * 16);
+        Bytes const entry = i == 0   ? Bytes{0, 0, 255, 0}
+                            : i == 1 ? Bytes{0, 255, 0, 0}
+                            : i == 2 ? Bytes{255, 0, 0, 0}
+                            : i == 3 ? Bytes{255, 255, 255, 0}
+                                     : Bytes{shade, shade, shade, 0};
+        bytes.insert(bytes.end(), entry.begin(), entry.begin() + static_cast<std::ptrdiff_t>(width));
+    }
+    return bytes;
 }
 
 inline StRef<SmMemoryStream> MemoryStream(Bytes const& bytes) {
@@ -203,12 +224,27 @@ inline void Fill(SmImagerFrame* frame, StRGBA32Pixel const& color) {
     frame->Erase();
 }
 
+/// A layer that passes for a frame of a foreign class, so that pixels come and go one by one.
+template <class Pixel>
+class ForeignFrame : public SmImagerLayer<Pixel, ScImagerNonSpool> {
+  public:
+    explicit ForeignFrame(StPoint const& size) {
+        this->IImagerLayer({0, 0}, size, false, nullptr, 0, nullptr);
+    }
+    ScMC_* GetClass() const override { return SmObject::Class(); }
+};
+/// Whose whole rows are read and written otherwise.
+using RoadPixels = testing::Types<StRGBA32Pixel, StRGB32Pixel, StRGB24Pixel, StRGB15Pixel>;
+
 /// The id as text: "RG32".
 inline std::string CodeText(unsigned long code) {
     std::string text;
     for (int shift = 24; shift >= 0; shift -= 8)
         text.push_back(static_cast<char>(code >> shift & 0xFF));
     return text;
+}
+inline std::string KindOf(StRef<SmImagerFrame> const& frame) {
+    return CodeText(frame->PixelID());
 }
 
 }  // namespace bmp_test

@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "bmp_file.h"
-#include "framewright/frame/layer.h"
 #include "framewright/pixel/color_map.h"
 #include "framewright/pixel/mapped_layer.h"
 
@@ -112,19 +111,8 @@ TEST(BmpWrite, EmptyFrames_AreHeadersAlone) {
     }
 }
 
-/// A layer that passes for a frame of a foreign class, so that pixels are asked for one by one.
-template <class Pixel>
-class ForeignFrame : public SmImagerLayer<Pixel, ScImagerNonSpool> {
-  public:
-    explicit ForeignFrame(StPoint const& size) {
-        this->IImagerLayer({0, 0}, size, false, nullptr, 0, nullptr);
-    }
-    ScMC_* GetClass() const override { return SmObject::Class(); }
-};
-
 template <class Pixel>
 class BmpWriteRoads : public testing::Test {};
-using RoadPixels = testing::Types<StRGBA32Pixel, StRGB32Pixel, StRGB24Pixel, StRGB15Pixel>;
 TYPED_TEST_SUITE(BmpWriteRoads, RoadPixels);
 
 TYPED_TEST(BmpWriteRoads, RowsAndPixels_GiveTheSameBytes) {
