@@ -1,6 +1,8 @@
 // Reading BMP files into frames of the caller, of any kind and by both roads.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "bmp_file.h"
 #include "framewright/pixel/color_map.h"
 #include "framewright/pixel/mapped_layer.h"
@@ -123,6 +125,113 @@ TEST(BmpGivenFrame, OfAnyType_TakesColors) {
         SCOPED_TRACE(row.id);
         StRef<SmImagerFrame> const frame = Frame(1, 2, SrCode(row.id));
         EXPECT_EQ(PictureOf(Read(file, frame.Get()).Get()), row.expected);
+    }
+}
+
+// Classes that a host derives from a layer.
+
+/// Notes the colours that arrive.
+class PutWatcher : public SmImagerMappedLayer<StMapped8Pixel, ScImagerNonSpool> {
+  public:
+    explicit PutWatcher(StPoint const& size) { IImagerMappedLayer({0, 0}, size, false, nullptr, 0); }
+    using SmImagerMappedLayer::PutPixelAt;
+    void PutPixelAt(long x, long y, StRGBA32Pixel const& pixel) override {
+        put.push_back(Rgb(pixel.red, pixel.green, pixel.blue));
+        SmImagerMappedLayer::PutPixelAt(x, y, pixel);
+    }
+    std::vector<std::uint32_t> put;
+};
+
+TEST(BmpGivenFrame, OfAClassDerivedFromAMappedLayer_TakesColorsThroughItsOperations) {
+    for (std::uint32_t compression : {0u, 1u}) {
+        SCOPED_TRACE(compression);
+        File file;
+        file.width = 3;
+        file.height = 1;
+        file.bitCount = 8;
+        file.compression = compression;
+        file.palette = Palette(256);
+        file.data = compression ? Bytes{0, 3, 2, 0, 1, 0, 0, 1} : Bytes{2, 0, 1, 0};
+        file.imageSize = static_cast<std::uint32_t>(file.data.size());
+        auto const frame = StRef<PutWatcher>::Adopt(new PutWatcher({1, 3}));
+        Read(file, frame.Get());
+        EXPECT_EQ(frame->put, (std::vector<std::uint32_t>{kBlue, kRed, kGreen}));
+        EXPECT_EQ(PictureOf(frame.Get()), (Picture{{kBlue, kRed, kGreen}}));
+    }
+}
+
+/// Shows the beginning of each row of a block that is not its own.
+class WindowFrame : public SmImagerLayer<StRGBA32Pixel, ScImagerNonSpool> {
+  public:
+    WindowFrame(StPoint const& size, void* block, long rowBytes) : mBlock(block) {
+        IImagerLayer({0, 0}, size, false, block, rowBytes, nullptr);
+    }
+    void Resize(StPoint const& size, StImageInterpolationMethod) override { MoveFrame(mBlock, {0, 0}, size); }
+
+  private:
+    void* mBlock;
+};
+
+TEST(BmpGivenFrame, LookingIntoALargerBlock_LeavesTheRestOfIt) {
+    constexpr unsigned char kOutside = 0xA5;
+    struct Row {
+        std::uint16_t bitCount;
+        Bytes data;
+        Bytes expected;
+    };
+    Row const rows[] = {
+        {24, {1, 2, 3, 4, 5, 6, 0, 0}, {1, 2, 3, 255, 4, 5, 6, 255}},
+        {7, {}, Bytes(8, 0)},  // a depth that nothing is decoded of
+    };
+    for (Row const& row : rows) {
+        SCOPED_TRACE(row.bitCount);
+        File file;
+        file.width = 2;
+        file.height = 1;
+        file.bitCount = row.bitCount;
+        if (row.bitCount == 7) file.palette = Palette(128);
+        file.data = row.data;
+        std::vector<unsigned char> block(2 * 16, kOutside);
+        auto const frame = StRef<WindowFrame>::Adopt(new WindowFrame({2, 1}, block.data(), 16));
+        Read(file, frame.Get(), kResize);
+        ASSERT_EQ(frame->GetSize(), (StPoint{1, 2}));
+        EXPECT_EQ(Bytes(block.begin(), block.begin() + 8), row.expected);
+        EXPECT_EQ(Bytes(block.begin() + 8, block.end()), Bytes(24, kOutside));
+    }
+}
+
+TEST(BmpGivenFrame, ResizedForADepthThatIsNotDecoded_IsZeros) {
+    File file;
+    file.width = 40;
+    file.height = 30;
+    file.bitCount = 7;
+    file.palette = Palette(128);
+    for (auto const& id : {"ColB", "RG32", "RG24", "RG15", "RG64", "Map8", "Map1", "Gry4"}) {
+        SCOPED_TRACE(id);
+        auto const code = static_cast<unsigned long>(id[0] << 24 | id[1] << 16 | id[2] << 8 | id[3]);
+        StRef<SmImagerFrame> const frame = Frame(2, 2, code);
+        Read(file, frame.Get(), kResize);
+        ASSERT_EQ(frame->GetSize(), (StPoint{30, 40}));
+        for (long y = 0; y < 30; ++y) {
+            auto const* const row = static_cast<unsigned char const*>(frame->GetRow(y));
+            EXPECT_EQ(std::count(row, row + frame->BytesPerRow(), 0), frame->BytesPerRow());
+        }
+    }
+}
+
+TEST(BmpGivenFrame, IsResizedToNoRowsOrColumns) {
+    for (StPoint const& size : {StPoint{4, 0}, StPoint{0, 4}, StPoint{0, 0}}) {
+        for (std::uint16_t bits : {1, 8, 24}) {
+            SCOPED_TRACE(testing::Message() << size.vertical << " by " << size.horizontal << ", " << bits);
+            File file;
+            file.width = static_cast<std::uint32_t>(size.horizontal);
+            file.height = static_cast<std::uint32_t>(size.vertical);
+            file.bitCount = bits;
+            if (bits <= 8) file.palette = Palette(std::size_t{1} << bits);
+            StRef<SmImagerFrame> const frame = Frame(2, 3, SrCode("Map8"));
+            Read(file, frame.Get(), kResize);
+            EXPECT_EQ(frame->GetSize(), size);
+        }
     }
 }
 

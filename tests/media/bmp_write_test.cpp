@@ -164,6 +164,24 @@ TEST(BmpWrite, AnyKindOfFrame_IsWrittenAsItsColors) {
     }
 }
 
+/// Shows each colour without its red.
+class RedlessFrame : public SmImagerMappedLayer<StMapped8Pixel, ScImagerNonSpool> {
+  public:
+    explicit RedlessFrame(StPoint const& size) { IImagerMappedLayer({0, 0}, size, false, nullptr, 0); }
+    using SmImagerMappedLayer::GetPixelAt;
+    void GetPixelAt(long x, long y, StRGBA32Pixel& pixel) override {
+        SmImagerMappedLayer::GetPixelAt(x, y, pixel);
+        pixel.red = 0;
+    }
+};
+
+TEST(BmpWrite, AClassDerivedFromAMappedLayer_IsAskedForItsColors) {
+    auto const frame = StRef<SmImagerFrame>::Adopt(new RedlessFrame({1, 1}));
+    Put(frame.Get(), 0, 0, 255, 255, 255);
+    Bytes const bytes = Written(frame.Get());
+    EXPECT_EQ(Bytes(bytes.begin() + 54, bytes.end()), (Bytes{255, 255, 0, 255}));
+}
+
 TEST(BmpWrite, RoundTrip_KeepsTheColors) {
     // More rows than go out in one write.
     StRef<SmImagerFrame> const frame = Frame(300, 201, SrCode("RG32"));

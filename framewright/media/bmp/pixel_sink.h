@@ -14,27 +14,30 @@ namespace bmp {
 /// dropped.
 ///
 /// An index goes as it is into a frame of the file's own mapped type, so that a palette shows exactly
-/// whatever its colours, and into any other frame as its colour.
+/// whatever its colours, and into any other frame as its colour. Only a frame with plain rows is of that
+/// type: a class that a host derives from it gets colours, through its own operations.
 class ScPixelSink {
   public:
     /// `indexID` is the mapped type of the file's pixels, or 0 when the frame is not to take indices. The
-    /// bytes of a new frame were never set: those that no pixel reaches become 0.
+    /// bytes of a new frame were never set: those that no pixel reaches become 0. (A frame without plain rows
+    /// may look into a larger one: its rows are not its own to clear.)
     ScPixelSink(SmImagerFrame* frame, StRGBA32Pixel const* palette, unsigned long indexID, bool isNew)
         : mFrame(frame),
           mPalette(palette),
           mRow(frame),
           mSize(frame->GetSize()),
           mPixelID(frame->PixelID()),
-          mTakesIndices(mPixelID == indexID),
-          mTakesColorRows(ColorRecords::Contains(mPixelID) && HasPlainRows(frame)),
-          mIsNew(isNew) {}
+          mIsNew(isNew),
+          mHasPlainRows(HasPlainRows(frame)),
+          mTakesIndices(mHasPlainRows && mPixelID == indexID),
+          mTakesColorRows(mHasPlainRows && ColorRecords::Contains(mPixelID)) {}
 
     /// Rows and columns of the frame.
     StPoint const& Size() const { return mSize; }
 
     /// Called before the first pixels of a row are placed.
     void BeginRow(std::int64_t y) {
-        if (mIsNew) ClearRow(static_cast<long>(y));
+        if (mIsNew && mHasPlainRows) ClearRow(static_cast<long>(y));
     }
 
     /// The whole frame shows the palette's first colour.
@@ -47,7 +50,13 @@ class ScPixelSink {
 
     /// No pixels come at all.
     void LeaveEmpty() {
-        if (mIsNew) ClearRows();
+        if (!mIsNew) return;
+        if (mHasPlainRows) {
+            ClearRows();
+            return;
+        }
+        for (long y = 0; y < mSize.vertical; ++y)
+            PlaceColors({0, y, mSize.horizontal}, [](long) { return StRGBA32Pixel{}; });
     }
 
     /// Stores `count` pixels from (x, y) to the right.
@@ -107,9 +116,10 @@ class ScPixelSink {
     ScLockedRow mRow;
     StPoint mSize;
     unsigned long mPixelID;
+    bool mIsNew;
+    bool mHasPlainRows;
     bool mTakesIndices;
     bool mTakesColorRows;
-    bool mIsNew;
 };
 
 }  // namespace bmp

@@ -89,7 +89,7 @@ class ScPixelSource {
   public:
     explicit ScPixelSource(SmImagerFrame* frame)
         : mFrame(frame),
-          mMap(SrGetColorMapFromFrame(frame)),
+          mMap(HasPlainRows(frame) ? SrGetColorMapFromFrame(frame) : nullptr),
           mRow(frame),
           mColumns(frame->GetSize().horizontal),
           mPixelID(frame->PixelID()),
@@ -117,7 +117,7 @@ class ScPixelSource {
 
   private:
     SmImagerFrame* mFrame;
-    ScColorMap<unsigned char, StRGBA32Pixel>* mMap;
+    ScColorMap<unsigned char, StRGBA32Pixel>* mMap;  ///< null where rows are no plain indices
     ScLockedRow mRow;
     long mColumns;
     unsigned long mPixelID;
