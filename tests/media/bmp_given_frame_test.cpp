@@ -160,44 +160,78 @@ TEST(BmpGivenFrame, OfAClassDerivedFromAMappedLayer_TakesColorsThroughItsOperati
     }
 }
 
-/// Shows the beginning of each row of a block that is not its own.
-class WindowFrame : public SmImagerLayer<StRGBA32Pixel, ScImagerNonSpool> {
-  public:
-    WindowFrame(StPoint const& size, void* block, long rowBytes) : mBlock(block) {
-        IImagerLayer({0, 0}, size, false, block, rowBytes, nullptr);
-    }
-    void Resize(StPoint const& size, StImageInterpolationMethod) override { MoveFrame(mBlock, {0, 0}, size); }
+// Frames that lie in a larger block, of 16 bytes a row.
 
-  private:
-    void* mBlock;
-};
+constexpr long kBlockRowBytes = 16;
 
-TEST(BmpGivenFrame, LookingIntoALargerBlock_LeavesTheRestOfIt) {
-    constexpr unsigned char kOutside = 0xA5;
+/// A frame of one row that begins in column `left` of the block.
+template <class Pixel>
+StRef<SmImagerFrame> ColorFrameIn(void* block, std::int32_t left) {
+    using Layer = SmImagerLayer<Pixel, ScImagerNonSpool>;
+    auto frame = StRef<Layer>::Adopt(Layer::New());
+    frame->IImagerLayer({0, left}, {1, 2}, false, block, kBlockRowBytes, nullptr);
+    return StRef<SmImagerFrame>(frame.Get());
+}
+template <class Pixel>
+StRef<SmImagerFrame> MappedFrameIn(void* block, std::int32_t left) {
+    using Layer = SmImagerMappedLayer<Pixel, ScImagerNonSpool>;
+    auto frame = StRef<Layer>::Adopt(Layer::New());
+    frame->IImagerMappedLayer({0, left}, {1, 2}, false, block, kBlockRowBytes);
+    return StRef<SmImagerFrame>(frame.Get());
+}
+
+TEST(BmpGivenFrame, InALargerBlock_LeavesTheRestOfIt) {
     struct Row {
         std::uint16_t bitCount;
+        std::uint32_t compression;
         Bytes data;
-        Bytes expected;
+        StRef<SmImagerFrame> (*frameIn)(void* block, std::int32_t left);
+        std::int32_t left;
+        std::size_t at;  ///< of that column in a row of the block, in bytes
+        Bytes expected;  ///< in both rows there
     };
     Row const rows[] = {
-        {24, {1, 2, 3, 4, 5, 6, 0, 0}, {1, 2, 3, 255, 4, 5, 6, 255}},
-        {7, {}, Bytes(8, 0)},  // a depth that nothing is decoded of
+        {24, 0, Bytes(16, 7), ColorFrameIn<StRGBA32Pixel>, 2, 8, {7, 7, 7, 255, 7, 7, 7, 255}},
+        {8, 0, Bytes(8, 7), MappedFrameIn<StMapped8Pixel>, 2, 2, {7, 7}},
+        {8, 1, {2, 7, 0, 0, 2, 7, 0, 1}, MappedFrameIn<StMapped8Pixel>, 2, 2, {7, 7}},
+        {4, 0, {7, 0, 0, 0, 7, 0, 0, 0}, MappedFrameIn<StMapped4Pixel>, 2, 1, {0x07}},
+        // The low six bits are not the frame's.
+        {1, 0, Bytes(8, 0), MappedFrameIn<StMapped1Pixel>, 8, 1, {0x25}},
+        // A depth that nothing is decoded of.
+        {7, 0, {}, ColorFrameIn<StRGBA32Pixel>, 2, 8, Bytes(8, 0)},
+        {7, 0, {}, MappedFrameIn<StMapped1Pixel>, 8, 1, {0x25}},
     };
     for (Row const& row : rows) {
-        SCOPED_TRACE(row.bitCount);
+        SCOPED_TRACE(testing::Message() << row.bitCount << " bits, compression " << row.compression);
         File file;
-        file.width = 2;
-        file.height = 1;
+        file.width = file.height = 2;
         file.bitCount = row.bitCount;
-        if (row.bitCount == 7) file.palette = Palette(128);
+        file.compression = row.compression;
+        if (row.bitCount < 16) file.palette = Palette(std::size_t{1} << row.bitCount);
         file.data = row.data;
-        std::vector<unsigned char> block(2 * 16, kOutside);
-        auto const frame = StRef<WindowFrame>::Adopt(new WindowFrame({2, 1}, block.data(), 16));
+        file.imageSize = static_cast<std::uint32_t>(file.data.size());
+        Bytes block(3 * kBlockRowBytes, 0xA5), expected = block;
+        for (std::size_t y = 0; y < 2; ++y)
+            std::copy(row.expected.begin(), row.expected.end(), &expected[y * kBlockRowBytes + row.at]);
+        StRef<SmImagerFrame> const frame = row.frameIn(block.data(), row.left);
         Read(file, frame.Get(), kResize);
-        ASSERT_EQ(frame->GetSize(), (StPoint{1, 2}));
-        EXPECT_EQ(Bytes(block.begin(), block.begin() + 8), row.expected);
-        EXPECT_EQ(Bytes(block.begin() + 8, block.end()), Bytes(24, kOutside));
+        EXPECT_EQ(block, expected);
     }
+}
+
+TEST(BmpGivenFrame, OnABlockFromTheBottomUp_IsResizedAndFilled) {
+    Bytes block(2 * kBlockRowBytes, 0xA5);
+    using Layer = SmImagerLayer<StRGBA32Pixel, ScImagerNonSpool>;
+    auto const frame = StRef<Layer>::Adopt(Layer::New());
+    frame->IImagerLayer({0, 0}, {1, 1}, false, &block[kBlockRowBytes], -kBlockRowBytes, nullptr);
+    File file;
+    file.width = 1;
+    file.height = 2;
+    file.bitCount = 24;
+    file.data = {1, 2, 3, 0, 4, 5, 6, 0};
+    Read(file, frame.Get(), kResize);
+    EXPECT_EQ(Bytes(block.begin(), block.begin() + 5), (Bytes{1, 2, 3, 255, 0xA5}));
+    EXPECT_EQ(Bytes(block.begin() + 16, block.begin() + 21), (Bytes{4, 5, 6, 255, 0xA5}));
 }
 
 TEST(BmpGivenFrame, ResizedForADepthThatIsNotDecoded_IsZeros) {
@@ -214,7 +248,8 @@ TEST(BmpGivenFrame, ResizedForADepthThatIsNotDecoded_IsZeros) {
         ASSERT_EQ(frame->GetSize(), (StPoint{30, 40}));
         for (long y = 0; y < 30; ++y) {
             auto const* const row = static_cast<unsigned char const*>(frame->GetRow(y));
-            EXPECT_EQ(std::count(row, row + frame->BytesPerRow(), 0), frame->BytesPerRow());
+            long const bytes = 40 * frame->PixelSize() / 8;
+            EXPECT_EQ(std::count(row, row + bytes, 0), bytes);
         }
     }
 }

@@ -10,6 +10,10 @@
 
 namespace bmp {
 
+/// What of a frame was never set: nothing, its pixels, or whole rows with what pads them. The rest of a row
+/// is no part of a frame that lies in a larger block.
+enum class StUnset { kNothing, kPixels, kRows };
+
 /// A frame that takes stretches of pixels, in the forms of pixel_forms.h; what falls outside of it is
 /// dropped.
 ///
@@ -18,16 +22,15 @@ namespace bmp {
 /// type: a class that a host derives from it gets colours, through its own operations.
 class ScPixelSink {
   public:
-    /// `indexID` is the mapped type of the file's pixels, or 0 when the frame is not to take indices. The
-    /// bytes of a new frame were never set: those that no pixel reaches become 0. (A frame without plain rows
-    /// may look into a larger one: its rows are not its own to clear.)
-    ScPixelSink(SmImagerFrame* frame, StRGBA32Pixel const* palette, unsigned long indexID, bool isNew)
+    /// `indexID` is the mapped type of the file's pixels, or 0 when the frame is not to take indices. What
+    /// was never set becomes 0 where no pixel reaches it.
+    ScPixelSink(SmImagerFrame* frame, StRGBA32Pixel const* palette, unsigned long indexID, StUnset unset)
         : mFrame(frame),
           mPalette(palette),
           mRow(frame),
           mSize(frame->GetSize()),
           mPixelID(frame->PixelID()),
-          mIsNew(isNew),
+          mUnset(unset),
           mHasPlainRows(HasPlainRows(frame)),
           mTakesIndices(mHasPlainRows && mPixelID == indexID),
           mTakesColorRows(mHasPlainRows && ColorRecords::Contains(mPixelID)) {}
@@ -37,7 +40,7 @@ class ScPixelSink {
 
     /// Called before the first pixels of a row are placed.
     void BeginRow(std::int64_t y) {
-        if (mIsNew && mHasPlainRows) ClearRow(static_cast<long>(y));
+        if (mUnset != StUnset::kNothing && mHasPlainRows) ClearRow(static_cast<long>(y));
     }
 
     /// The whole frame shows the palette's first colour.
@@ -50,7 +53,7 @@ class ScPixelSink {
 
     /// No pixels come at all.
     void LeaveEmpty() {
-        if (!mIsNew) return;
+        if (mUnset == StUnset::kNothing) return;
         if (mHasPlainRows) {
             ClearRows();
             return;
@@ -102,8 +105,15 @@ class ScPixelSink {
     }
 
     void ClearRow(long y) {
-        auto const bytes = static_cast<std::size_t>(mFrame->BytesPerRow());
-        if (bytes > 0) std::memset(mRow.At(y), 0, bytes);
+        auto* const row = static_cast<unsigned char*>(mRow.At(y));
+        if (mUnset == StUnset::kRows) {
+            std::memset(row, 0, static_cast<std::size_t>(mFrame->BytesPerRow()));
+            return;
+        }
+        std::int64_t const bits = std::int64_t{mSize.horizontal} * mFrame->PixelSize();
+        std::memset(row, 0, static_cast<std::size_t>(bits / 8));
+        // Pixels run from the high bits of a byte to the low ones.
+        if (bits % 8 != 0) row[bits / 8] &= static_cast<unsigned char>(0xFF >> bits % 8);
     }
     void ClearRows() {
         if (mSize.horizontal == 0) return;
@@ -116,7 +126,7 @@ class ScPixelSink {
     ScLockedRow mRow;
     StPoint mSize;
     unsigned long mPixelID;
-    bool mIsNew;
+    StUnset mUnset;
     bool mHasPlainRows;
     bool mTakesIndices;
     bool mTakesColorRows;

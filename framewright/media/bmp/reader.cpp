@@ -53,6 +53,13 @@ StPoint FrameSize(StHeader const& header) {
     return {static_cast<std::int32_t>(header.height), static_cast<std::int32_t>(header.width)};
 }
 
+/// What FrameFor is going to leave unset.
+StUnset UnsetPart(StHeader const& header, SmImagerFrame* given, unsigned long option) {
+    if (!given) return StUnset::kRows;
+    bool const resizes = option == kResizeFrame && given->GetSize() != FrameSize(header);
+    return resizes ? StUnset::kPixels : StUnset::kNothing;
+}
+
 /// The frame to fill, with one reference.
 StRef<SmImagerFrame> FrameFor(StHeader const& header, SmImagerFrame* given, unsigned long option) {
     if (!given) {
@@ -127,8 +134,7 @@ void SetColors(ColorMap& map, StPalette const& palette) {
 
 SmImagerFrame* ReadPicture(SmStream* stream, SmImagerFrame* given, unsigned long option) {
     StHeader const header = ReadHeader(stream);
-    // Resizing leaves pixels that were never set, as a new frame has.
-    bool const isNew = !given || (option == kResizeFrame && given->GetSize() != FrameSize(header));
+    StUnset const unset = UnsetPart(header, given, option);
     StRef<SmImagerFrame> frame = FrameFor(header, given, option);
     ColorMap* const map = SrGetColorMapFromFrame(frame.Get());
 
@@ -147,7 +153,7 @@ SmImagerFrame* ReadPicture(SmStream* stream, SmImagerFrame* given, unsigned long
     places.GoTo(header.dataOffset);
     ScPixelData data(stream, header.ClaimedBytes());
     StFrameKind const& kind = KindOf(header.bitCount);
-    ScPixelSink sink(frame.Get(), palette.entries, map && kind.mapped ? kind.pixelID : 0, isNew);
+    ScPixelSink sink(frame.Get(), palette.entries, map && kind.mapped ? kind.pixelID : 0, unset);
     Decode(header, data, sink);
     return given ? given : frame.Release();
 }
