@@ -1,147 +1,113 @@
-// The body of a frame on a stream. Numbers are big-endian.
-//
-//     offset   size   field
-//     0        4      top left row
-//     4        4      top left column
-//     8        4      purpose, a four-character code
-//     12       4      dithering, a four-character code
-//     16       2      format marker: 0 plain, 1 row runs
-//     18       4      packed row bytes: (bits of a pixel * columns + 7) / 8
-//     22       ...    rows
-//
-// Plain rows of pixels below 16 bits are the packed bytes of memory; wider pixels go one by one in the
-// record's stream form. With row runs, and whole bytes a pixel, each row is a flag and then one pixel (true:
-// all pixels are that one) or all; pixels below a byte go one by one without a flag.
-#include <cstring>
+#include "framewright/frame/frame_stream.h"
 
-#include "framewright/frame/frame.h"
-#include "framewright/frame/row_lock.h"
+#include <algorithm>
+#include <cstdint>
+
+#include "framewright/frame/frame_body_format.h"
+#include "framewright/frame/frame_globals.h"
+#include "framewright/frame/layer_factory.h"
+#include "framewright/frame/layer_registration.h"
+#include "framewright/thornmere/catalog_stream.h"
+#include "framewright/thornmere/error.h"
 #include "framewright/thornmere/stream.h"
 
 namespace {
 
-constexpr std::uint16_t kPlainRows = 0;
-constexpr std::uint16_t kRunRows = 1;
-/// Pixels of fewer bits are streamed as the bytes of their rows.
-constexpr long kLeastStreamedBits = 16;
-constexpr std::int32_t kMostPackedRowBytes = 0xFFFFF;
+constexpr std::uint32_t kRecordVersion = 1;
+constexpr unsigned long kSectionVersion = 0x100;
+/// The alert that says that a file holds a kind of frame that is not known.
+constexpr long kUnknownFrameAlert = 2;
 
-std::int32_t PackedRowBytes(SmImagerFrame& frame) {
-    return static_cast<std::int32_t>((frame.PixelSize() * frame.GetSize().horizontal + 7) / 8);
+struct StFrameHeader {
+    std::uint32_t pixelID;
+    std::uint32_t familyID;
+    std::int32_t pixelSize;
+    StPoint size;
+};
+
+StFrameHeader ReadHeader(SmStream& stream) {
+    stream.GetBigEndian<std::uint32_t>();  // the version
+    StFrameHeader header{};
+    header.pixelID = stream.GetBigEndian<std::uint32_t>();
+    header.familyID = stream.GetBigEndian<std::uint32_t>();
+    header.pixelSize = stream.GetBigEndian<std::int32_t>();
+    SrGetFromStream(stream, header.size);
+    return header;
 }
 
-/// How many bytes of a pixel count when a row is tested for one colour: the filler of 32-bit RGB does not.
-long BytesThatCount(SmImagerFrame& frame) {
-    return frame.PixelID() == SrCode("RG32") ? 3 : frame.PixelSize() / 8;
+/// The fewest bytes that a row can take behind each format marker.
+std::uint64_t LeastPlainRow(StFrameHeader const& header) {
+    auto const bits = static_cast<std::uint64_t>(header.pixelSize);
+    return (bits * static_cast<std::uint64_t>(header.size.horizontal) + 7) / 8;
+}
+std::uint64_t LeastRunRow(StFrameHeader const& header) {
+    auto const columns = static_cast<std::uint64_t>(header.size.horizontal);
+    if (header.pixelSize % 8 != 0) return columns;  // a byte each
+    return 1 + (columns > 0 ? static_cast<std::uint64_t>(header.pixelSize) / 8 : 0);
 }
 
-/// Pixels of four bytes and more never compare equal: such rows are always stored in full, unless they have
-/// one pixel. Files rely on it.
-bool SamePixels(std::byte const* a, std::byte const* b, long bytes) {
-    return bytes < 4 && std::memcmp(a, b, static_cast<std::size_t>(bytes)) == 0;
-}
-
-bool IsConstantRow(SmImagerFrame& frame, long row) {
-    long const columns = frame.GetSize().horizontal;
-    long const step = frame.PixelSize() / 8;
-    long const counted = BytesThatCount(frame);
-    frame::StRowLock const locked(frame, row);
-    auto const* const first = static_cast<std::byte const*>(locked.Address());
-    for (long x = 1; x < columns; ++x) {
-        if (!SamePixels(first, first + x * step, counted)) return false;
+/// The same for this stream, whose body is next; it stays where it is.
+std::uint64_t LeastRow(SmStream& stream, std::uint64_t remaining, StFrameHeader const& header) {
+    auto* const random = dynamic_cast<SmRandomStream*>(&stream);
+    if (random && remaining >= frame::kBodyHeaderBytes) {
+        unsigned int const position = random->GetPosition();
+        random->SetPosition(position + frame::kMarkerOffset);
+        auto const marker = random->GetBigEndian<std::uint16_t>();
+        random->SetPosition(position);
+        if (marker == frame::kPlainRows) return LeastPlainRow(header);
+        if (marker == frame::kRunRows) return LeastRunRow(header);
     }
-    return columns > 0;
+    return std::min(LeastPlainRow(header), LeastRunRow(header));
 }
 
-void SpreadFirstPixel(SmImagerFrame& frame, long row) {
-    long const step = frame.PixelSize() / 8;
-    long const bytes = step * frame.GetSize().horizontal;
-    frame::StRowLock const locked(frame, row);
-    auto* const pixels = static_cast<std::byte*>(locked.Address());
-    for (long i = step; i < bytes; ++i)
-        pixels[i] = pixels[i - step];
+/// Whether a frame of that size can be on the stream, as far as the stream knows what it holds.
+bool MayHold(SmStream& stream, StFrameHeader const& header) {
+    std::uint64_t remaining = 0;
+    if (header.size.vertical == 0 || !stream.GetRemaining(remaining)) return true;
+    auto const rows = static_cast<std::uint64_t>(header.size.vertical);
+    std::uint64_t const least = LeastRow(stream, remaining, header);
+    // A row without pixels may take nothing on the stream, but it takes a place in the frame's table.
+    if (least == 0) return rows <= remaining;
+    return remaining >= frame::kBodyHeaderBytes && least <= (remaining - frame::kBodyHeaderBytes) / rows;
 }
 
-[[noreturn]] void ThrowBadFormat() {
-    SrThrow(SkBadStreamFormatErrC(), nullptr);
-}
-
-void WritePlainRow(SmImagerFrame& frame, SmStream& stream, long row, std::int32_t packed) {
-    if (frame.PixelSize() >= kLeastStreamedBits) {
-        frame.WritePixels(&stream, row, frame.GetSize().horizontal);
-        return;
-    }
-    frame::StRowLock const locked(frame, row);
-    stream.Write(static_cast<unsigned>(packed), locked.Address());
-}
-
-void ReadPlainRow(SmImagerFrame& frame, SmStream& stream, long row, std::int32_t packed) {
-    if (frame.PixelSize() >= kLeastStreamedBits) {
-        frame.ReadPixels(&stream, row, frame.GetSize().horizontal);
-        return;
-    }
-    frame::StRowLock const locked(frame, row);
-    stream.Read(static_cast<unsigned>(packed), locked.Address());
-}
-
-void WriteRunRow(SmImagerFrame& frame, SmStream& stream, long row) {
-    long const columns = frame.GetSize().horizontal;
-    bool constant = false;
-    if (frame.PixelSize() % 8 == 0) {
-        constant = IsConstantRow(frame, row);
-        stream.PutBit(constant);
-    }
-    frame.WritePixels(&stream, row, constant ? 1 : columns);
-}
-
-void ReadRunRow(SmImagerFrame& frame, SmStream& stream, long row) {
-    long const columns = frame.GetSize().horizontal;
-    bool constant = false;
-    if (frame.PixelSize() % 8 == 0) stream.GetBit(constant);
-    // A row without pixels has no first one.
-    if (constant && columns == 0) ThrowBadFormat();
-    frame.ReadPixels(&stream, row, constant ? 1 : columns);
-    if (constant) SpreadFirstPixel(frame, row);
+[[noreturn]] void ThrowNoSuchLayer() {
+    ScMessageBuzzStrings message(SkAlertStrings(), kUnknownFrameAlert, 1, 1, SkSimpleAlert());
+    SrThrow(frame::NoSuchLayerError(), &message);
 }
 
 }  // namespace
 
-void SmImagerFrame::WriteTo(SmStream* stream) {
-    SrPutToStream(*stream, GetTopLeft());
-    stream->PutBigEndian(static_cast<std::int32_t>(GetPurpose()));
-    stream->PutBigEndian(static_cast<std::uint32_t>(GetDithering()));
-    std::int32_t const packed = PackedRowBytes(*this);
-    long const rows = GetSize().vertical;
-    std::uint16_t const marker = mStreamingCompression ? kRunRows : kPlainRows;
-    stream->PutBigEndian(marker);
-    stream->PutBigEndian(packed);
-    for (long row = 0; row < rows; ++row) {
-        if (marker == kPlainRows) {
-            WritePlainRow(*this, *stream, row, packed);
-        } else {
-            WriteRunRow(*this, *stream, row);
-        }
-    }
+unsigned long SrGetImagerFrameFileType() {
+    return SrCode("ImFr");
 }
 
-void SmImagerFrame::ReadFrom(SmStream* stream) {
-    SrGetFromStream(*stream, mTopLeft);
-    SetPurpose(stream->GetBigEndian<std::int32_t>());
-    SetDithering(stream->GetBigEndian<std::uint32_t>());
-    auto const marker = stream->GetBigEndian<std::uint16_t>();
-    auto const packed = stream->GetBigEndian<std::int32_t>();
-    if (marker == kPlainRows) {
-        if (packed < 1 || packed > kMostPackedRowBytes) ThrowBadFormat();
-        if (PixelSize() < kLeastStreamedBits && packed != PackedRowBytes(*this)) ThrowBadFormat();
-    } else if (marker != kRunRows) {
-        ThrowBadFormat();
-    }
-    long const rows = GetSize().vertical;
-    for (long row = 0; row < rows; ++row) {
-        if (marker == kPlainRows) {
-            ReadPlainRow(*this, *stream, row, packed);
-        } else {
-            ReadRunRow(*this, *stream, row);
-        }
-    }
+void SrWriteImagerFrameToStream(SmStream& stream, SmImagerFrame* frame, unsigned short compression) {
+    stream.PutBigEndian(kRecordVersion);
+    stream.PutBigEndian(static_cast<std::uint32_t>(frame->PixelID()));
+    stream.PutBigEndian(static_cast<std::uint32_t>(frame->FamilyID()));
+    stream.PutBigEndian(static_cast<std::int32_t>(frame->PixelSize()));
+    SrPutToStream(stream, frame->GetSize());
+    frame->SetStreamingCompression(compression);
+    frame->WriteTo(&stream);
+}
+
+SmImagerFrame* SrReadImagerFrameFromStream(SmStream& stream, bool spooled, bool nativeBitmap) {
+    StFrameHeader const header = ReadHeader(stream);
+    if (header.size.vertical < 0 || header.size.horizontal < 0) SrThrow(SkBadStreamFormatErrC(), nullptr);
+    if (!frame::FindLayerPrototype(header.pixelID, header.familyID, header.pixelSize)) ThrowNoSuchLayer();
+    if (!MayHold(stream, header)) SrThrow(SkMemoryFull(), nullptr);
+    SmImagerFrame* const frame = SrImagerLayerFromType(header.pixelID, header.familyID, header.pixelSize,
+                                                       header.size, spooled, nativeBitmap);
+    if (!frame) ThrowNoSuchLayer();
+    frame->ReadFrom(&stream);
+    return frame;
+}
+
+void SrImagerFrameToStream(ScCatalogWriteStream& catalog, SmImagerFrame* frame, unsigned short compression) {
+    catalog.PrepareStreamForWrite(SrGetImagerFrameFileType(), kSectionVersion, nullptr);
+    SmStream* const stream = catalog.GetStream();
+    SrThrowIfNIL(stream);
+    SrWriteImagerFrameToStream(*stream, frame, compression);
+    catalog.FinishStreamWrite();
 }

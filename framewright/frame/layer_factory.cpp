@@ -1,6 +1,7 @@
 #include "framewright/frame/layer_factory.h"
 
 #include "framewright/frame/frame_globals.h"
+#include "framewright/frame/layer_registration.h"
 #include "framewright/frame/registries.h"
 #include "framewright/spool/spool_preferences.h"
 
@@ -39,10 +40,14 @@ SmImagerFrame* SrMakeLayerWithSpooling(StPoint const& size, unsigned long pixelI
     return prototype ? prototype->CloneAtNewSize(size, spooled, nativeBitmap) : nullptr;
 }
 
-SmImagerFrame* SrImagerLayerFromType(unsigned long pixelID, unsigned long familyID, long pixelSize,
-                                     StPoint const& size, bool spooled, bool nativeBitmap) {
-    SmImagerFrame* const prototype = FindPrototype([&](SmImagerFrame& frame) {
+SmImagerFrame* frame::FindLayerPrototype(unsigned long pixelID, unsigned long familyID, long pixelSize) {
+    return FindPrototype([&](SmImagerFrame& frame) {
         return frame.PixelID() == pixelID && frame.FamilyID() == familyID && frame.PixelSize() == pixelSize;
     });
+}
+
+SmImagerFrame* SrImagerLayerFromType(unsigned long pixelID, unsigned long familyID, long pixelSize,
+                                     StPoint const& size, bool spooled, bool nativeBitmap) {
+    SmImagerFrame* const prototype = frame::FindLayerPrototype(pixelID, familyID, pixelSize);
     return prototype ? prototype->CloneAtNewSize(size, spooled, nativeBitmap) : nullptr;
 }

@@ -31,6 +31,9 @@ constexpr StLayerRow RowOfLayer(long nameIndex) {
     return {&Layer::Class, &NewPrototype<Layer>, Layer::PixelType::PixelID(), nameIndex};
 }
 
+/// The first registered prototype that has all three values, borrowed; null for none.
+SmImagerFrame* FindLayerPrototype(unsigned long pixelID, unsigned long familyID, long pixelSize);
+
 /// Enters each class with its prototype, and its name under its PixelID, in the order of the rows. -108 when
 /// memory is refused; what was entered up to there stays for UnRegisterLayers.
 void RegisterLayers(std::span<StLayerRow const> rows);

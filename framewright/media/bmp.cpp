@@ -8,6 +8,7 @@
 #include "framewright/media/bmp/writer.h"
 #include "framewright/media/format_registration.h"
 #include "framewright/media/ordered_stream.h"
+#include "framewright/media/stream_use.h"
 
 SR_DEPENDS_ON(SrInitMemory);
 SR_DEPENDS_ON(SrInitObjectBase);
@@ -36,31 +37,13 @@ constexpr StMediaFileDesc kFileDescs[] = {
     {SrCode("DIB "), 0, "dib", 0, "Bitmap"},
 };
 
-/// The stream of a location for as long as it is needed.
-class StStreamUse {
-  public:
-    StStreamUse(ScMediaLocation* location, StFilePermission permission, StFileInfo const& info)
-        : mLocation(location), mStream(location->GetStream(permission, info, kCreateIfMissing)) {}
-    StStreamUse(StStreamUse const&) = delete;
-    StStreamUse& operator=(StStreamUse const&) = delete;
-    ~StStreamUse() {
-        if (mStream) mLocation->ReleaseStream(mStream);
-    }
-
-    /// Null when there is none.
-    SmStream* Get() const { return mStream; }
-    SmStream* GetOrThrow() const {
-        if (!mStream) media::ThrowMediaError(SkFileNotFound());
-        return mStream;
-    }
-
-  private:
-    ScMediaLocation* mLocation;
-    SmStream* mStream;
-};
+SmStream* GetOrThrow(media::StStreamUse const& use) {
+    if (!use.Get()) media::ThrowMediaError(SkFileNotFound());
+    return use.Get();
+}
 
 bool BeginsWithSignature(ScMediaLocation* location) {
-    StStreamUse const stream(location, kFileRead, SkNoFileInfo());
+    media::StStreamUse const stream(location, kFileRead, SkNoFileInfo());
     unsigned char bytes[kSignatureBytes];
     return stream.Get() && SrStreamIn(stream.Get(), bytes, kSignatureBytes) == kSignatureBytes &&
            bytes[0] == 'B' && bytes[1] == 'M';
@@ -101,8 +84,8 @@ short SmMediaRecognizerBmp::CanOpen(ScMediaLocation* location) {
 
 void SmMediaRecognizerBmp::ReadFrame(ScMediaLocation* location, SmImagerFrame*& frame, long,
                                      ScProgressIndicator*, unsigned long option) {
-    StStreamUse const stream(location, kFileRead, SkNoFileInfo());
-    frame = bmp::ReadPicture(stream.GetOrThrow(), frame, option);
+    media::StStreamUse const stream(location, kFileRead, SkNoFileInfo());
+    frame = bmp::ReadPicture(GetOrThrow(stream), frame, option);
 }
 
 void SmMediaRecognizerBmp::WriteFrame(ScMediaLocation* location, SmImagerFrame* frame, long,
@@ -110,8 +93,8 @@ void SmMediaRecognizerBmp::WriteFrame(ScMediaLocation* location, SmImagerFrame* 
     bmp::StResolution const resolution = ResolutionOf(mCurrentMedia);
     StFileInfo info = SkNoFileInfo();
     std::snprintf(info.typeText, sizeof info.typeText, "%s", kFileDescs[0].mExtension);
-    StStreamUse const stream(location, kFileReadWrite, info);
-    bmp::WritePicture(stream.GetOrThrow(), frame, resolution);
+    media::StStreamUse const stream(location, kFileReadWrite, info);
+    bmp::WritePicture(GetOrThrow(stream), frame, resolution);
 }
 
 void SrRegisterBmp(bool terminate) {
