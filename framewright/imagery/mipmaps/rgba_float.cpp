@@ -1,0 +1,3 @@
+#include "framewright/imagery/mipmap_impl.h"
+
+SR_INSTANTIATE_MIPMAPS(StRGBAFloatPixel);
