@@ -20,6 +20,7 @@ struct ListOptions {
 void RunFormats(ListOptions const& options);
 void RunPixels(ListOptions const& options);
 
+enum class ConvertPalette { kOptimal, kStandard };
 struct ConvertOptions {
     std::string input;
     std::string output;
@@ -27,9 +28,9 @@ struct ConvertOptions {
     std::optional<std::pair<long, long>> size;    ///< rows, columns
     std::optional<std::pair<long, long>> frames;  ///< first and last, counted from 0
     bool dither = false;
-    bool standardPalette = false;  ///< instead of one made for the picture
-    std::optional<float> rate;     ///< frames a second
-    std::string codec;             ///< a codec's code; empty is the source's
+    std::optional<ConvertPalette> palette;  ///< made for the picture if not given
+    std::optional<float> rate;              ///< frames a second
+    std::string codec;                      ///< a codec's code; empty is the source's
 };
 void RunConvert(ConvertOptions const& options);
 

@@ -5,9 +5,9 @@
 #include <memory>
 
 #include "commands.h"
+#include "file_location.h"
 #include "frame_transform.h"
 #include "host_error.h"
-#include "interrupt.h"
 #include "output_files.h"
 #include "progress_bar.h"
 #include "source_media.h"
@@ -76,50 +76,43 @@ unsigned char PositionOf(long index, long count) {
     return index == 0 ? kFirstFrame : index == count - 1 ? kLastFrame : kMiddleFrame;
 }
 
-/// The path of the file with `number` in the sequence of `location`; empty where there can be none.
-std::string PathOfNumber(ScMediaLocation const& location, long number) {
-    std::unique_ptr<ScMediaLocation> const file(location.Clone());
-    ScHeapString path;
-    bool const named = file->SetSequence(number) && file->GetSequence() == number && file->GetFullPath(path);
-    return named ? path.AsCString() : "";
-}
-
-/// Throws when the digits of the name end before the sequence does: its files would not be found again as
-/// one.
+/// Throws when files numbered from `first` to `last` would not be found again as one sequence: where the
+/// name fits no number, or its digits end before the sequence does.
 void RequireRoomForNumbers(std::string const& output, ScMediaLocation const& location, long first,
                            long last) {
-    std::string const begin = PathOfNumber(location, first), end = PathOfNumber(location, last);
-    if (begin.empty() || begin.size() != end.size())
+    if (NumberInName(output) == NameNumber::kUnfit)
+        throw HostError(output, "a sequence needs a name with one number, like shot0001.bmp");
+    auto const begin = PathOfNumber(location, first), end = PathOfNumber(location, last);
+    if (!begin || !end || begin->size() != end->size())
         throw HostError(output, "has too few digits for a sequence up to " + std::to_string(last));
 }
 
 }  // namespace
 
 void RunConvert(ConvertOptions const& options) {
-    if (!options.pixel.empty()) PixelTypeFromText(options.pixel);
+    RequireUsableOptions(options);
     SmMediaRecognizer& writer = WriterFor(options.output);
     SourceMedia const source(options.input);
     OutputFiles files(options.output);
 
     Blaming(options.output, false, [&] {
-        ScMediaFileLocation location;
-        location.SetFullPath(files.StagingPath().c_str());
+        auto const location = LocationOf(files.StagingPath());
         // A numbered output goes on from its own number; written frame i gets the number i + 1.
-        long const number = location.GetSequence();
+        long const number = location->GetSequence();
         auto const [first, last] = FrameRange(options, source, number);
         long const count = last - first + 1;
         long const base = number >= 0 ? number - 1 : 0;
 
-        if (count > 1) RequireRoomForNumbers(options.output, location, base + 1, base + count);
+        if (count > 1) RequireRoomForNumbers(options.output, *location, base + 1, base + count);
 
-        auto media = StRef<SmMedia>::Adopt(SrGlobalMediaManager()->CreateMedia(&location, writer.GetType()));
+        auto media =
+            StRef<SmMedia>::Adopt(SrGlobalMediaManager()->CreateMedia(location.get(), writer.GetType()));
         StRef<SmVideoSpec> const spec = OutputSpec(options, source, writer, count);
         SmMediaTrack* track = media ? media->NewTrack(SrCode("VIDE"), spec.Get()) : nullptr;
         if (!track) throw HostError(options.output, "this format can't be written");
 
         ProgressBar progress("converting");
         for (long i = 0; i < count; ++i) {
-            StopIfInterrupted();
             if (count > 1) progress.Report(i, count);
             StRef<SmImagerFrame> const frame =
                 TransformedFrame(source.ReadFrame(first + i), options, count == 1 ? &progress : nullptr);
@@ -127,6 +120,5 @@ void RunConvert(ConvertOptions const& options) {
                                PositionOf(i, count), nullptr);
         }
     });
-    StopIfInterrupted();
     files.Publish();
 }

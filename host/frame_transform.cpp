@@ -30,21 +30,33 @@ StRef<SmImagerFrame> Scaled(StRef<SmImagerFrame> const& frame, StPoint const& si
 StRef<SmImagerFrame> Converted(StRef<SmImagerFrame> const& frame, unsigned long pixelID,
                                ConvertOptions const& options, ScProgressIndicator* progress) {
     StRef<SmImagerFrame> converted = NewFrame(frame->GetSize(), pixelID);
-    if (auto* map = SrGetColorMapFromFrame(converted.Get()); map && !options.standardPalette)
+    if (auto* map = SrGetColorMapFromFrame(converted.Get());
+        map && options.palette != ConvertPalette::kStandard)
         SrStuffOptimalColorMap(*map, static_cast<int>(converted->PixelSize()), frame.Get(), progress);
     converted->SetDithering(options.dither ? SrCode("BIDI") : 0);
     converted->BlitRect(frame.Get(), WholeOf(*frame), {0, 0});
     return converted;
 }
 
-}  // namespace
-
+/// The pixel type that `text` names, in any case: "map8" is "Map8".
 unsigned long PixelTypeFromText(std::string const& text) {
     unsigned long id = 0;
     char const* name = nullptr;
     for (int i = 0; ScLayerNameRegistry::GetObjectByIndex(i, id, name); ++i)
         if (strcasecmp(text.c_str(), CodeText(id).c_str()) == 0) return id;
     throw HostError("no pixel type is called " + text + "; `framewright pixels` lists them");
+}
+
+}  // namespace
+
+void RequireUsableOptions(ConvertOptions const& options) {
+    if (options.pixel.empty()) return;
+    unsigned long const pixelID = PixelTypeFromText(options.pixel);
+    bool const mapped = SrGetColorMapFromFrame(NewFrame({1, 1}, pixelID).Get()) != nullptr;
+    std::string const name = "the pixel type " + CodeText(pixelID);
+    if (options.palette && !mapped) throw HostError("--palette: " + name + " has no palette");
+    if (options.dither && !mapped && pixelID != StRGB15Pixel::PixelID())
+        throw HostError("--dither: " + name + " is not dithered");
 }
 
 StRef<SmImagerFrame> TransformedFrame(StRef<SmImagerFrame> frame, ConvertOptions const& options,
@@ -57,7 +69,7 @@ StRef<SmImagerFrame> TransformedFrame(StRef<SmImagerFrame> frame, ConvertOptions
     }
     if (!options.pixel.empty()) {
         unsigned long const pixelID = PixelTypeFromText(options.pixel);
-        if (pixelID != frame->PixelID() || options.standardPalette)
+        if (pixelID != frame->PixelID() || options.palette == ConvertPalette::kStandard)
             frame = Converted(frame, pixelID, options, progress);
     }
     return frame;

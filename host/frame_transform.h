@@ -5,9 +5,9 @@
 
 #include "commands.h"
 
-/// The pixel type that `text` names, in any case: "map8" is "Map8". Throws HostError for one that frames
-/// can't have.
-unsigned long PixelTypeFromText(std::string const& text);
+/// Throws HostError for a pixel type that does not exist, and for a palette or dithering that means nothing
+/// to the pixel type.
+void RequireUsableOptions(ConvertOptions const& options);
 
 /// The frame as the options want it: the given one itself where they want nothing.
 StRef<SmImagerFrame> TransformedFrame(StRef<SmImagerFrame> frame, ConvertOptions const& options,

@@ -13,6 +13,12 @@ class HostError : public std::runtime_error {
         : std::runtime_error(file.empty() ? reason : file + ": " + reason) {}
 };
 
+/// `text` for one line of a terminal: control characters and bytes that are no UTF-8 are written as escapes,
+/// a line's end as \n and others like \x1B.
+std::string Printable(std::string const& text);
+/// Tells of a failure in one line on standard error.
+void PrintError(std::string const& what);
+
 /// The reason that a library exception gives, in words for people; `reading` tells whether a file was being
 /// read, where a lack of memory or an early end means a damaged file.
 std::string ReasonOf(std::exception const& exception, bool reading);

@@ -4,7 +4,6 @@
 
 #include "commands.h"
 #include "host_error.h"
-#include "interrupt.h"
 #include "source_media.h"
 
 namespace {
@@ -58,6 +57,7 @@ Json FileFacts(std::string const& file) {
     SmMediaRecognizer* format = SrGlobalMediaManager()->GetRecognizerByType(source.Media().GetMediaType());
     facts["format"] = {{"code", CodeText(source.Media().GetMediaType())},
                        {"name", format ? FormatName(*format) : ""}};
+    facts["movie"] = source.IsMovie();
     facts["tracks"] = Json::array();
     for (long i = 0; i < source.Media().NumberOfTracks(); ++i)
         facts["tracks"].push_back(TrackFacts(source, *source.Media().GetTrack(i)));
@@ -68,7 +68,7 @@ std::string Text(Json const& json) {
     return json.get<std::string>();
 }
 
-void PrintTrack(Json const& track, std::size_t number) {
+void PrintTrack(Json const& track, std::size_t number, bool timed) {
     long const frames = track["frames"].get<long>();
     std::cout << "  track " << number << "   " << Text(track["type"]) << '\n'
               << "  frames    " << frames << '\n';
@@ -81,18 +81,18 @@ void PrintTrack(Json const& track, std::size_t number) {
         if (track["palette"].is_array())
             std::cout << "  palette   " << track["palette"].size() << " colours\n";
     }
-    if (frames > 1)
+    if (timed || frames > 1)
         std::cout << "  rate      " << track["rate"].get<float>() << " frames a second\n"
                   << "  duration  " << track["duration"].get<double>() << " seconds\n";
 }
 
 void PrintFile(Json const& facts) {
-    std::cout << Text(facts["file"]) << '\n'
+    std::cout << Printable(Text(facts["file"])) << '\n'
               << "  format    " << Text(facts["format"]["name"]) << " (" << Text(facts["format"]["code"])
               << ")\n";
     std::size_t number = 0;
     for (Json const& track : facts["tracks"])
-        PrintTrack(track, ++number);
+        PrintTrack(track, ++number, facts["movie"].get<bool>());
 }
 
 }  // namespace
@@ -101,7 +101,6 @@ bool RunInfo(InfoOptions const& options) {
     bool all = true;
     Json listing = Json::array();
     for (std::string const& file : options.files) {
-        StopIfInterrupted();
         try {
             Json facts = Blaming(file, true, [&] { return FileFacts(file); });
             if (options.json)
@@ -109,7 +108,7 @@ bool RunInfo(InfoOptions const& options) {
             else
                 PrintFile(facts);
         } catch (HostError const& error) {
-            std::cerr << "framewright: " << error.what() << '\n';
+            PrintError(error.what());
             all = false;
         }
     }

@@ -1,6 +1,7 @@
 // framewright: the command-line host. Exit status 0, 1 when the work failed, 2 for a wrong command line.
 #include <CLI/CLI.hpp>
-#include <csignal>
+#include <cmath>
+#include <cstdlib>
 #include <iostream>
 #include <map>
 
@@ -58,20 +59,25 @@ void AddConvert(CLI::App& app, ConvertOptions& options) {
     command->add_option("output", options.output, "The file to write; its extension says the format")
         ->required()
         ->option_text("OUT");
-    command->add_option("--pixel", options.pixel, "Pixel type to convert through (see `framewright pixels`)")
-        ->option_text("CODE");
+    CLI::Option* const pixel =
+        command
+            ->add_option("--pixel", options.pixel, "Pixel type to convert through (see `framewright pixels`)")
+            ->option_text("CODE");
     command
         ->add_option_function<std::string>(
             "--size", [&options](std::string const& text) { options.size = ParsedSize(text); },
             "Scale to this size")
         ->option_text("ROWSxCOLUMNS");
-    command->add_flag("--dither", options.dither, "Spread the error when a pixel type has few colours");
+    command->add_flag("--dither", options.dither, "Spread the error where the pixel type has few colours")
+        ->needs(pixel);
+    static std::map<std::string, ConvertPalette> const kPalettes{{"optimal", ConvertPalette::kOptimal},
+                                                                 {"standard", ConvertPalette::kStandard}};
     command
         ->add_option_function<std::string>(
-            "--palette",
-            [&options](std::string const& text) { options.standardPalette = text == "standard"; },
+            "--palette", [&options](std::string const& text) { options.palette = kPalettes.at(text); },
             "Colours of a mapped pixel type: made for the picture (the default) or the standard ones")
-        ->check(CLI::IsMember({"optimal", "standard"}))
+        ->needs(pixel)
+        ->check(CLI::IsMember(kPalettes))
         ->option_text("optimal|standard");
     command
         ->add_option_function<std::string>(
@@ -80,6 +86,10 @@ void AddConvert(CLI::App& app, ConvertOptions& options) {
         ->option_text("A-B");
     command->add_option("--rate", options.rate, "Frames a second of the output")
         ->check(CLI::Range(0.001, 1000000.0))
+        ->check([](std::string const& text) {
+            // A range takes what is no number at all for one within.
+            return std::isnan(std::strtod(text.c_str(), nullptr)) ? "Value " + text + " is no number" : "";
+        })
         ->option_text("RATE");
     command->add_option("--codec", options.codec, "Codec of the output, by its code")->option_text("CODE");
 }
@@ -102,10 +112,18 @@ void AddShow(CLI::App& app, ShowOptions& options) {
         ->option_text("auto|truecolor|256|none");
 }
 
+/// The exit status, once everything printed has been taken.
+int Finish(int status) {
+    std::cout.flush();
+    if (std::cout) return status;
+    PrintError("standard output: can't be written");
+    return kFailed;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    CatchInterrupts();
+    PrepareProcess();
     CLI::App app{"Reads, converts and shows pictures in old and new formats.", "framewright"};
     app.set_version_flag("--version", "framewright " FRAMEWRIGHT_VERSION);
     app.require_subcommand(1);
@@ -124,8 +142,8 @@ int main(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const& error) {
-        if (error.get_exit_code() == 0) return app.exit(error);
-        std::cerr << "framewright: " << error.what() << "; see framewright --help\n";
+        if (error.get_exit_code() == 0) return Finish(app.exit(error));
+        PrintError(std::string(error.what()) + "; see framewright --help");
         return kWrongUsage;
     }
 
@@ -136,16 +154,9 @@ int main(int argc, char** argv) {
         if (app.got_subcommand("formats")) RunFormats(formats);
         if (app.got_subcommand("pixels")) RunPixels(pixels);
         if (app.got_subcommand("show")) RunShow(show);
-        std::cout.flush();
-        if (!std::cout) throw HostError("standard output", "can't be written");
     } catch (std::exception const& error) {
-        std::cerr << "framewright: " << error.what() << '\n';
+        PrintError(error.what());
         done = false;
     }
-    if (int const number = InterruptSignal()) {
-        // Everything is cleaned up: end as the signal would have ended the program.
-        std::signal(number, SIG_DFL);
-        std::raise(number);
-    }
-    return done ? kDone : kFailed;
+    return Finish(done ? kDone : kFailed);
 }

@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "interrupt.h"
-
 namespace {
 constexpr std::chrono::milliseconds kBeforeFirstDraw{500};
 constexpr std::chrono::milliseconds kBetweenDraws{100};
@@ -23,7 +21,6 @@ ProgressBar::~ProgressBar() {
 }
 
 void ProgressBar::Report(long done, long total) {
-    StopIfInterrupted();
     if (!mTerminal || Clock::now() < mNextDraw) return;
     mNextDraw = Clock::now() + kBetweenDraws;
     mDrawn = true;

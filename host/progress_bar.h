@@ -14,7 +14,7 @@ class ProgressBar : public ScProgressIndicator {
     ProgressBar(ProgressBar const&) = delete;
     ProgressBar& operator=(ProgressBar const&) = delete;
 
-    /// `total` 0 shows only what is done. Throws HostError when the user has interrupted the program.
+    /// `total` 0 shows only what is done.
     void Report(long done, long total) override;
 
   private:

@@ -82,8 +82,8 @@ void RunShow(ShowOptions const& options) {
         std::min<long>(options.width > 0 ? options.width : TerminalColumns(), size.horizontal);
     long const halves =
         std::max(1L, static_cast<long>(static_cast<long long>(columns) * size.vertical / size.horizontal));
-    std::string text;
-    for (long y = 0; y < halves; y += 2) {
+    for (long y = 0; y < halves && std::cout; y += 2) {
+        std::string text;
         for (long x = 0; x < columns; ++x) {
             auto const [left, right] = Slice(size.horizontal, columns, x);
             auto const cell = [&](long half) {
@@ -99,7 +99,6 @@ void RunShow(ShowOptions const& options) {
             else
                 text += ColorCode(upper, false, colors) + ColorCode(lower, true, colors) + "\u2580";
         }
-        text += colors == ShowColors::kNone ? "\n" : "\033[0m\n";
+        std::cout << text << (colors == ShowColors::kNone ? "\n" : "\033[0m\n");
     }
-    std::cout << text;
 }

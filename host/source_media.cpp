@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "file_location.h"
 #include "host_error.h"
 
 namespace {
@@ -28,11 +29,10 @@ SmMediaTrack* FirstFrameTrack(SmMedia& media) {
 
 }  // namespace
 
-SourceMedia::SourceMedia(std::string const& path)
-    : mPath(path), mLocation(std::make_unique<ScMediaFileLocation>()) {
+SourceMedia::SourceMedia(std::string const& path) : mPath(path) {
     RequireReadableFile(path);
     Blaming(path, true, [&] {
-        mLocation->SetFullPath(path.c_str());
+        mLocation = LocationOf(path);
         mMedia = StRef<SmMedia>::Adopt(SrGlobalMediaManager()->OpenMedia(mLocation.get(), 1, 0));
     });
     if (!mMedia) throw HostError(path, "no format that can be read here");
@@ -57,8 +57,11 @@ StRef<SmVideoSpec> SourceMedia::Spec() const {
     return StRef<SmVideoSpec>::Adopt(static_cast<SmVideoSpec*>(spec.Release()));
 }
 
-long SourceMedia::Sequence() const {
-    return mLocation->GetSequence();
+bool SourceMedia::IsMovie() const {
+    SmMediaRecognizer* format = SrGlobalMediaManager()->GetRecognizerByType(mMedia->GetMediaType());
+    // The simple formats tell; others are those of movies.
+    if (!format || !format->IsMemberOf(SmMediaSimple::Class())) return true;
+    return static_cast<SmMediaSimple*>(format)->IsMovieFormat(mLocation.get());
 }
 
 std::string FormatName(SmMediaRecognizer& recognizer) {

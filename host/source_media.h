@@ -18,8 +18,8 @@ class SourceMedia {
     StRef<SmImagerFrame> ReadFrame(long index) const;
     /// The spec of the track, or null.
     StRef<SmVideoSpec> Spec() const;
-    /// The number in the file's name, -1 for none.
-    long Sequence() const;
+    /// Whether one file of the format holds many frames, so that even a single one has a rate.
+    bool IsMovie() const;
 
   private:
     std::string mPath;

@@ -27,6 +27,7 @@ run() {
 }
 status_is() { [ "$status" -eq "$1" ]; }
 says() { grep -qF -- "$1" out.txt; }
+lacks() { ! says "$1"; }
 one_error_line() { [ "$(wc -l <err.txt)" -eq 1 ] && grep -qF -- "$1" err.txt; }
 quiet() { [ ! -s err.txt ]; }
 absent() { [ ! -e "$1" ]; }
@@ -98,6 +99,68 @@ check "an unknown extension fails" status_is 1
 check "and is named" one_error_line "out.xyz"
 rm -f small.bmp grey.bmp mapped.bmp out.bmp
 
+# --- options that mean nothing
+for rate in nan inf 0 -1 -inf; do
+  run convert in.bmp out.bmp --rate "$rate"
+  check "a rate of $rate is wrong usage" status_is 2
+done
+run convert in.bmp out.bmp --dither
+check "--dither without --pixel is wrong usage" status_is 2
+check "and is named" one_error_line "--dither"
+run convert in.bmp out.bmp --palette optimal
+check "--palette without --pixel is wrong usage" status_is 2
+run convert in.bmp out.bmp --pixel ColB --dither
+check "--dither with a type that is not dithered fails" status_is 1
+check "and both are named" one_error_line "--dither: the pixel type ColB"
+run convert in.bmp out.bmp --pixel RG15 --palette standard
+check "--palette with a type without a palette fails" status_is 1
+check "and both are named" one_error_line "--palette: the pixel type RG15"
+check "nothing of these is written" absent out.bmp
+run convert in.bmp out.bmp --pixel RG15 --dither
+check "15-bit pixels are dithered" status_is 0
+run info in.bmp
+check "a still picture has no rate" lacks "rate"
+rm -f out.bmp
+
+# --- standard output that can't be written
+fifo=$(mktemp -u) && mkfifo "$fifo"
+exec 4<>"$fifo" 3>"$fifo" 4>&-  # a pipe whose reader has gone
+rm "$fifo"
+for line in --help --version "convert --help" "info in.bmp" "info --json in.bmp" formats pixels "show in.bmp"; do
+  for sink in full closed pipe; do
+    case $sink in
+      full) "$host" $line >/dev/full 2>err.txt ;;
+      closed) "$host" $line >&- 2>err.txt ;;
+      pipe) "$host" $line >&3 2>err.txt ;;
+    esac
+    status=$?
+    check "$line on standard output that is $sink fails" status_is 1
+    check "and says so" one_error_line "standard output"
+  done
+done
+exec 3>&-
+"$host" convert in.bmp out.bmp >&- 2>&- <&-
+status=$?
+check "convert needs no standard streams" status_is 0
+check "and keeps them out of its files" bytes_are out.bmp 54 6 0a141e0a141e
+run convert in.bmp tall.bmp --size 9000x4
+run show --color none tall.bmp
+check "show prints all of a tall picture" [ "$(wc -l <out.txt)" -eq 4500 ]
+rm -f out.bmp tall.bmp
+
+# --- names with control characters
+odd=$'a\nb\033[1m\177\xff.bmp'
+run convert "$odd" out.bmp
+check "a name with control characters is escaped in errors" one_error_line 'a\nb\x1B[1m\x7F\xFF.bmp'
+cp in.bmp "$odd"
+run info "$odd"
+check "and in listings" says 'a\nb\x1B[1m\x7F\xFF.bmp'
+run info $'\x9b\u00e4\u0085.bmp'
+check "letters beyond ASCII are not" one_error_line $'\\x9B\u00e4\\xC2\\x85.bmp'
+run convert in.bmp out.bmp $'no\nsuch'
+check "a wrong usage is one line too" one_error_line 'no\nsuch'
+rm -f "$odd"
+
 # --- bad input
 run convert missing.bmp out.bmp
 check "a missing file fails" status_is 1
@@ -155,10 +218,23 @@ check "a longer file is replaced whole" [ "$(stat -c %s long.bmp)" -eq $((54 + 8
 cp in.bmp same.bmp
 run convert same.bmp same.bmp
 check "input and output may be one file" cmp -s in.bmp same.bmp
+chmod 6751 same.bmp
+run convert in.bmp same.bmp
+check "permissions are kept, but not those to run as another" [ "$(stat -c %a same.bmp)" = 751 ]
 ln -s long.bmp link.bmp
 run convert in.bmp link.bmp
 check "a link stays a link" [ -L link.bmp ]
-rm -f long.bmp same.bmp link.bmp
+run convert long.bmp link.bmp --size 2x4
+check "a link to the input is written through" bytes_are long.bmp 18 8 0400000002000000
+check "and stays" [ -L link.bmp ]
+rm -f long.bmp
+run convert in.bmp link.bmp
+check "a link to nothing makes its target" cmp -s in.bmp long.bmp
+ln -sfn link.bmp loop.bmp && ln -sfn loop.bmp link.bmp
+run convert in.bmp link.bmp
+check "links in a circle fail" status_is 1
+check "with the output's name" one_error_line "link.bmp"
+rm -f long.bmp same.bmp link.bmp loop.bmp
 
 # --- numbered sequences
 for i in 1 2 3; do bmp24 shot0$i.bmp 4 4 $((i * 10)) 0 0; done
@@ -182,6 +258,112 @@ check "--frames with no number inserts one" bytes_are part0002.bmp 54 3 140000
 run convert shot01.bmp out.bmp --frames 7
 check "a frame that is not there fails" status_is 1
 check "with the input's name" one_error_line "shot01.bmp"
+
+rm -f ./*.bmp
+
+# --- which names are numbered
+bmp24 in.bmp 4 4 7 0 0
+for i in 1 2 3; do bmp24 0$i.bmp 4 4 $((i * 10)) 0 0; done
+run info 01.bmp
+check "a name of digits alone is a number" says "frames    3"
+mkdir numbers
+for name in x2024-01-15 x4294967297 x20240115_103045; do
+  bmp24 numbers/$name.bmp 4 4 99 0 0
+  # What these digits would be if they were one number, and the next.
+  for other in 0020240115 0020240116 0000000001 0000000002; do cp in.bmp numbers/x$other.bmp; done
+  run info numbers/$name.bmp
+  check "$name stands alone" says "frames    1"
+  run convert numbers/$name.bmp one.bmp
+  check "and is itself" bytes_are one.bmp 54 3 630000
+  rm -rf numbers/*
+  run convert 01.bmp numbers/$name.bmp
+  check "written, it is one file" [ "$(ls numbers)" = $name.bmp ]
+  check "of the first frame" bytes_are numbers/$name.bmp 54 3 0a0000
+  run convert 01.bmp numbers/$name.bmp --frames 0-1
+  check "and never a sequence" status_is 1
+  check "which is told" one_error_line "$name.bmp: a sequence needs"
+done
+long=x$(printf '%0250d' 0 | tr 0 n).bmp
+run convert in.bmp "$long"
+check "a name that leaves no room for a number is written" cmp -s in.bmp "$long"
+run convert "$long" one.bmp
+check "and read" cmp -s in.bmp one.bmp
+rm -rf numbers ./*.bmp
+
+# --- links in sequences: the number is that of the name given
+for i in 1 2 3; do bmp24 shot0$i.bmp 4 4 $((i * 10)) 0 0; done
+mkdir links
+ln -s target07.bmp links/plain.bmp
+run convert shot02.bmp links/plain.bmp
+check "a link without a number is one file" [ "$(ls links | tr '\n' ' ')" = "plain.bmp target07.bmp " ]
+check "of the frame named" bytes_are links/target07.bmp 54 3 140000
+rm links/*
+ln -s target.bmp links/copy02.bmp
+run convert shot01.bmp links/copy01.bmp
+check "a link within a sequence is written through" [ "$(ls links | tr '\n' ' ')" = "copy01.bmp copy02.bmp copy03.bmp target.bmp " ]
+check "and has its frame" bytes_are links/target.bmp 54 3 140000
+rm links/*
+ln -s copy01.bmp links/copy02.bmp
+run convert shot01.bmp links/copy01.bmp
+check "two names of one file fail" status_is 1
+check "with the second's name" one_error_line "links/copy02.bmp"
+check "and nothing is written" [ "$(ls -A links)" = copy02.bmp ]
+rm -r links
+
+# --- a sequence that can't be published
+# out_is NAMES: what is in the folder, and that the file that was there before is as it was.
+out_is() { [ "$(ls -A out | tr '\n' ' ')" = "$1 " ] && [ "$(cat out/copy01.bmp)" = old ]; }
+mkdir -p out/copy03.bmp
+echo old >out/copy01.bmp
+run convert shot01.bmp out/copy01.bmp
+check "a folder in the way of the third file fails" status_is 1
+check "with its name" one_error_line "out/copy03.bmp: is a folder"
+check "and nothing has changed" out_is "copy01.bmp copy03.bmp"
+rmdir out/copy03.bmp
+ln -s nowhere/copy03.bmp out/copy03.bmp
+run convert shot01.bmp out/copy01.bmp
+check "a file that can't be moved into place fails" status_is 1
+check "with its name" one_error_line "out/copy03.bmp: No such file"
+check "and those before it are taken back" out_is "copy01.bmp copy03.bmp"
+rm out/copy03.bmp
+run convert shot01.bmp out/copy01.bmp
+check "the same without it succeeds" status_is 0
+check "and replaces the old file" cmp -s shot01.bmp out/copy01.bmp
+check "leaving nothing else" [ "$(ls -A out | tr '\n' ' ')" = "copy01.bmp copy02.bmp copy03.bmp " ]
+rm -r out
+
+# --- signals, in the middle of a picture that takes long
+mkdir out
+# signalled SIGNAL...: sends the host each signal once it has begun to work.
+signalled() {
+  set -m  # or the shell lets what it runs behind itself ignore SIGINT
+  "$host" convert shot01.bmp out/big.bmp --size 6000x6000 --pixel map8 --dither >out.txt 2>err.txt &
+  set +m
+  local pid=$! signal
+  for ((started = 0; started < 500; ++started)); do
+    [ -n "$(ls -A out)" ] && break
+    sleep 0.01
+  done
+  for signal; do kill -"$signal" "$pid"; done
+  wait "$pid" 2>/dev/null
+  status=$?
+}
+for signal in "HUP 1" "INT 2" "TERM 15"; do
+  signalled ${signal% *}
+  check "the work is under way" [ "$started" -lt 500 ]
+  check "SIG${signal% *} ends the program" status_is $((128 + ${signal#* }))
+  check "which says so" one_error_line "interrupted"
+  check "and leaves nothing behind" [ -z "$(ls -A out)" ]
+done
+signalled PIPE TERM
+check "SIGPIPE does not" status_is 143
+check "and nothing is left behind" [ -z "$(ls -A out)" ]
+trap '' HUP
+signalled HUP TERM
+trap - HUP
+check "nor does a signal that is ignored from the start" status_is 143
+check "and nothing is left behind" [ -z "$(ls -A out)" ]
+rm -r out
 
 echo "$passed passed, $failed failed"
 [ "$failed" -eq 0 ]
