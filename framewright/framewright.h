@@ -57,6 +57,8 @@
 #include "framewright/frame/non_spool.h"
 #include "framewright/frame/registries.h"
 
+#include "framewright/spool/imager_spool.h"
+#include "framewright/spool/spool_manager.h"
 #include "framewright/spool/spool_preferences.h"
 
 #include "framewright/imagery/stereo.h"

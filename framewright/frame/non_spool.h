@@ -5,6 +5,7 @@
 // template. A spooler offers the operations below under these names.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "framewright/thornmere/export.h"
@@ -16,6 +17,8 @@ class FRAMEWRIGHT_EXPORT ScImagerNonSpool {
     /// Whether a row may be without memory until it is asked for. If so, the spooler allocates the rows and
     /// the layer brackets its work with locks; if not, the layer brings one block for all rows.
     static constexpr bool kRowsLeaveMemory = false;
+    /// What the table takes for one row.
+    static constexpr std::size_t kTableEntryBytes = sizeof(void*);
 
     ScImagerNonSpool() = default;
     ScImagerNonSpool(ScImagerNonSpool const&) = delete;

@@ -1,0 +1,25 @@
+// The places in a spool file that hold rows of spoolers, in order of position. It takes no memory: the links
+// are members of the rows, since a row is spooled just when memory is short.
+#pragma once
+
+#include <cstdint>
+
+struct StSpoolRow;
+
+namespace spool {
+
+/// A search tree, balanced by chance: rows are ordered by position and stacked by a hash of it.
+class ScHeldPlaces {
+  public:
+    /// Enters the place of a row: `bytes` bytes from its file position, where no other row is.
+    void Hold(StSpoolRow& row, std::uint32_t bytes);
+    /// Removes it; the row has the position that it was entered with. One that is not there is no error.
+    void Release(StSpoolRow& row);
+    /// Whether a row lies in any of the `bytes` bytes from `position`.
+    bool Overlap(std::uint32_t position, std::uint32_t bytes) const;
+
+  private:
+    StSpoolRow* mRoot = nullptr;
+};
+
+}  // namespace spool

@@ -1,0 +1,101 @@
+#include "framewright/spool/spool_file.h"
+
+#include <algorithm>
+
+#include "framewright/thornmere/error.h"
+
+static constexpr unsigned char kMark[] = {'l', 's', 'P', 'S'};
+
+void StSpoolFile::Create(StFileSpec const& place, std::uint32_t maximum) {
+    spec = place;
+    maximumSize = maximum;
+    if (long const error = SrFileCreate(spec, SkNoFileInfo())) SrThrow(error, nullptr);
+    try {
+        SrFileOpen(spec, file, kFileReadWrite);
+        SrFileWrite(file, kMark, sizeof(kMark));
+    } catch (...) {
+        Remove();
+        throw;
+    }
+    endOfData = sizeof(kMark);
+}
+
+void StSpoolFile::Remove() {
+    SrFileClose(file, false);
+    file = 0;
+    SrFileDelete(spec);
+}
+
+bool StSpoolFile::Write(void const* row, std::uint32_t bytes, std::uint32_t& place) {
+    for (StExtent* extent = freeExtents.begin(); extent != freeExtents.end(); ++extent) {
+        if (!WriteToExtent(*extent, row, bytes)) continue;
+        place = extent->position;
+        if (extent->length == bytes) {
+            freeExtents.erase(extent);
+        } else {
+            extent->position += bytes;
+            extent->length -= bytes;
+        }
+        bytesInUse += bytes;
+        return true;
+    }
+    if (!WriteBehindData(row, bytes)) return false;
+    place = endOfData;
+    endOfData += bytes;
+    bytesInUse += bytes;
+    return true;
+}
+
+bool StSpoolFile::WriteToExtent(StExtent const& extent, void const* row, std::uint32_t bytes) {
+    if (extent.length < bytes || held.Overlap(extent.position, bytes)) return false;
+    try {
+        SrFileSetPos(file, extent.position);
+        SrFileWrite(file, row, bytes);
+    } catch (std::exception const&) {
+        return false;  // not usable now; another place may be
+    }
+    return true;
+}
+
+bool StSpoolFile::WriteBehindData(void const* row, std::uint32_t bytes) {
+    if (std::uint64_t{endOfData} + bytes >= maximumSize || held.Overlap(endOfData, bytes)) return false;
+    SrFileSetPos(file, endOfData);
+    SrFileWrite(file, row, bytes);
+    return true;
+}
+
+void StSpoolFile::Read(std::uint32_t position, void* row, std::uint32_t bytes) {
+    SrFileSetPos(file, position);
+    if (SrFileRead(file, row, bytes) != bytes) SrThrow(SkEndOfFile(), nullptr);
+}
+
+void StSpoolFile::Free(std::uint32_t position, std::uint32_t bytes) {
+    bytesInUse -= bytes;
+    StExtent* const next = std::find_if(freeExtents.begin(), freeExtents.end(),
+                                        [position](StExtent const& e) { return e.position > position; });
+    bool const hasNext = next != freeExtents.end();
+    bool const meetsNext = hasNext && position + bytes == next->position;
+    if (next != freeExtents.begin()) {
+        StExtent& before = next[-1];
+        if (position == before.position + before.length) {
+            before.length += bytes;
+            if (meetsNext) {
+                before.length += next->length;
+                freeExtents.erase(next);
+            }
+            return;
+        }
+    }
+    if (meetsNext) {
+        // Up, not down: the extent gives up the place that has just become free and claims as much behind its
+        // old end. Rows there are told from free space by what the file holds.
+        next->position += bytes;
+        next->length += bytes;
+        return;
+    }
+    try {
+        freeExtents.insert(next, {position, bytes});
+    } catch (std::exception const&) {
+        // No memory for the entry: rows are worth more than room in the file, which is given up.
+    }
+}
