@@ -1,5 +1,7 @@
 // The concrete raster: SmImagerLayer<Pixel, Spool>, over a pixel record (pixel/pixels.h) and a row spooler.
-// The record says what a pixel is, the spooler where a row lies; everything else is one text.
+// The record says what a pixel is, the spooler where a row lies; everything else is one text. There are two
+// spoolers: ScImagerNonSpool keeps all rows in one block in memory, ScImagerSpool lets single rows go to
+// spool files when memory runs short.
 //
 //     StRef<SmImagerLayer<StRGBA32Pixel, ScImagerNonSpool>> layer = ...Adopt(...::New());
 //     layer->IImagerLayer({0, 0}, {rows, columns}, false, nullptr, 0, nullptr);
@@ -17,6 +19,7 @@
 #include "framewright/pixel/pixel_table.h"
 #include "framewright/pixel/pixels.h"
 #include "framewright/pixel/row_access.h"
+#include "framewright/spool/imager_spool.h"
 #include "framewright/thornmere/export.h"
 
 namespace frame {
@@ -198,6 +201,8 @@ class FRAMEWRIGHT_EXPORT SmImagerLayer : public SmManaged<SmImagerLayer<Pixel, S
 
 #define SR_ROW(Record, ...)                                                       \
     extern template struct StClassFacts<SmImagerLayer<Record, ScImagerNonSpool>>; \
-    extern template class SmImagerLayer<Record, ScImagerNonSpool>;
+    extern template struct StClassFacts<SmImagerLayer<Record, ScImagerSpool>>;    \
+    extern template class SmImagerLayer<Record, ScImagerNonSpool>;                \
+    extern template class SmImagerLayer<Record, ScImagerSpool>;
 FOR_EACH_LAYER_PIXEL(SR_ROW)
 #undef SR_ROW

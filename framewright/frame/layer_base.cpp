@@ -26,8 +26,9 @@ void SmLayerBase::TakeParent(SmImagerFrame* parent) {
     mParent = parent;
 }
 
-void SmLayerBase::TakeGeometry(StPoint const& topLeft, StPoint const& size, long bits, void* base,
-                               long rowBytes, SmImagerFrame* parent) {
+void SmLayerBase::TakeGeometry(StPoint const& topLeft, StPoint const& size, long bits,
+                               std::size_t tableEntryBytes, void* base, long rowBytes,
+                               SmImagerFrame* parent) {
     IImagerFrame();
     ReleaseBlock();
     mTopLeft = topLeft;
@@ -37,7 +38,7 @@ void SmLayerBase::TakeGeometry(StPoint const& topLeft, StPoint const& size, long
     if (rowBytes != static_cast<std::int32_t>(rowBytes)) SrThrow(SkMemoryFull(), nullptr);
     mRowBytes = static_cast<std::int32_t>(rowBytes);
     if (rowBytes == 0) ComputeRowBytes(bits);
-    RefuseOverLimit();
+    RefuseOverLimit(tableEntryBytes);
     if (parent) TakeParent(parent);
 }
 
@@ -62,13 +63,14 @@ void SmLayerBase::ComputeRowBytes(long bits) {
     mRowBytes = static_cast<std::int32_t>(bytes);
 }
 
-void SmLayerBase::RefuseOverLimit() const {
+void SmLayerBase::RefuseOverLimit(std::size_t tableEntryBytes) const {
     auto const limit = SrGetFrameSizeLimit();
     auto const fits = [limit](std::int64_t count, std::int64_t bytes) {
         return count >= 0 &&
                (count == 0 || (bytes >= 0 && static_cast<std::uint64_t>(bytes * count) <= limit));
     };
-    bool const fine = mSize.horizontal >= 0 && fits(mSize.vertical, sizeof(void*)) &&
+    bool const fine = mSize.horizontal >= 0 &&
+                      fits(mSize.vertical, static_cast<std::int64_t>(tableEntryBytes)) &&
                       (!mOwnsBase || fits(mSize.vertical, mRowBytes));
     if (!fine) SrThrow(SkMemoryFull(), nullptr);
 }

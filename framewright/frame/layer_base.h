@@ -56,16 +56,17 @@ class FRAMEWRIGHT_EXPORT SmLayerBase : public SmImagerFrame {
     /// The first half of initialisation: takes place, size, a lent base (or null) and the parent, which is
     /// asked to be contiguous; computes the row bytes where `rowBytes` is 0. -108 for a size that is negative
     /// or over the limit.
-    void TakeGeometry(StPoint const& topLeft, StPoint const& size, long bits, void* base, long rowBytes,
-                      SmImagerFrame* parent);
+    void TakeGeometry(StPoint const& topLeft, StPoint const& size, long bits, std::size_t tableEntryBytes,
+                      void* base, long rowBytes, SmImagerFrame* parent);
     /// The first half of cloning: the frame's fields, geometry and parent of `other`, and its base if that is
     /// lent. The host's handles start empty.
     void CloneGeometry(SmLayerBase const& other);
 
     /// Row bytes for the current size, -108 when they do not fit.
     void ComputeRowBytes(long bits);
-    /// -108 for a size that is negative, or for rows or a table of rows over the limit.
-    void RefuseOverLimit() const;
+    /// -108 for a size that is negative, or for rows or a table of rows over the limit; the table takes
+    /// `tableEntryBytes` for each row.
+    void RefuseOverLimit(std::size_t tableEntryBytes) const;
     /// Allocates the layer's own block for the current size and makes it the base; -108 when memory is
     /// refused.
     void AllocateBlock(StPixelKind const& kind, bool nativeBitmap);

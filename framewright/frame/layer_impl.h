@@ -14,4 +14,6 @@
 /// Compiles the layers of a record; stands in one source file a record, see frame/layers/.
 #define SR_INSTANTIATE_LAYERS(Record)                                      \
     template struct StClassFacts<SmImagerLayer<Record, ScImagerNonSpool>>; \
-    template class SmImagerLayer<Record, ScImagerNonSpool>
+    template struct StClassFacts<SmImagerLayer<Record, ScImagerSpool>>;    \
+    template class SmImagerLayer<Record, ScImagerNonSpool>;                \
+    template class SmImagerLayer<Record, ScImagerSpool>

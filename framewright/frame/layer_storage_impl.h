@@ -21,7 +21,7 @@ void SmImagerLayer<Pixel, Spool>::IImagerLayer(StPoint const& topLeft, StPoint c
                                                [[maybe_unused]] bool nativeBitmap, void* base, long rowBytes,
                                                SmImagerFrame* parent) {
     try {
-        this->TakeGeometry(topLeft, size, kKind.bits, base, rowBytes, parent);
+        this->TakeGeometry(topLeft, size, kKind.bits, Spool::kTableEntryBytes, base, rowBytes, parent);
         mSpooler.ISpooler(size.vertical, RowDistance(), nullptr);
         if constexpr (!Spool::kRowsLeaveMemory) {
             if (this->mOwnsBase) this->AllocateBlock(kKind, nativeBitmap);
@@ -85,7 +85,7 @@ void SmImagerLayer<Pixel, Spool>::Resize(StPoint const& size, StImageInterpolati
         if (this->mOwnsBase) this->ReleaseBlock();
         this->mSize = size;
         if (this->mOwnsBase) this->ComputeRowBytes(kKind.bits);
-        this->RefuseOverLimit();
+        this->RefuseOverLimit(Spool::kTableEntryBytes);
         if constexpr (!Spool::kRowsLeaveMemory) {
             if (this->mOwnsBase) this->AllocateBlock(kKind, native);
         }
@@ -93,7 +93,7 @@ void SmImagerLayer<Pixel, Spool>::Resize(StPoint const& size, StImageInterpolati
     } catch (...) {
         // No rows are left to draw in, so no operation may find any.
         if (this->mOwnsBase) this->ReleaseBlock();
-        BindRows(nullptr);
+        if constexpr (!Spool::kRowsLeaveMemory) BindRows(nullptr);
         this->mSize = {0, 0};
         throw;
     }

@@ -4,6 +4,7 @@
 #include <type_traits>
 
 #include "framewright/frame/non_spool.h"
+#include "framewright/spool/imager_spool.h"
 
 namespace frame {
 
@@ -12,11 +13,9 @@ namespace frame {
 ///     return frame::WithSpooler(spooled, [&]<class Spool>(std::type_identity<Spool>) {
 ///         return NewLayer<SmImagerLayer<Pixel, Spool>>(...);
 ///     });
-///
-/// All rows live in memory, so what is asked as spooled is given in memory too.
 template <class Make>
-auto WithSpooler([[maybe_unused]] bool spooled, Make const& make) {
-    return make(std::type_identity<ScImagerNonSpool>{});
+auto WithSpooler(bool spooled, Make const& make) {
+    return spooled ? make(std::type_identity<ScImagerSpool>{}) : make(std::type_identity<ScImagerNonSpool>{});
 }
 
 }  // namespace frame

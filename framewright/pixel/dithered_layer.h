@@ -103,6 +103,8 @@ class FRAMEWRIGHT_EXPORT SmImagerDitheredLayer : public SmManaged<SmImagerDither
 
 #define SR_ROW(Record)                                                                    \
     extern template struct StClassFacts<SmImagerDitheredLayer<Record, ScImagerNonSpool>>; \
-    extern template class SmImagerDitheredLayer<Record, ScImagerNonSpool>;
+    extern template struct StClassFacts<SmImagerDitheredLayer<Record, ScImagerSpool>>;    \
+    extern template class SmImagerDitheredLayer<Record, ScImagerNonSpool>;                \
+    extern template class SmImagerDitheredLayer<Record, ScImagerSpool>;
 FOR_EACH_DITHERED_PIXEL(SR_ROW)
 #undef SR_ROW

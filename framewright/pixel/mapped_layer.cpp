@@ -4,7 +4,9 @@
 
 #define ROW(Record)                                                              \
     template struct StClassFacts<SmImagerMappedLayer<Record, ScImagerNonSpool>>; \
-    template class SmImagerMappedLayer<Record, ScImagerNonSpool>;
+    template struct StClassFacts<SmImagerMappedLayer<Record, ScImagerSpool>>;    \
+    template class SmImagerMappedLayer<Record, ScImagerNonSpool>;                \
+    template class SmImagerMappedLayer<Record, ScImagerSpool>;
 FOR_EACH_MAPPED_PIXEL(ROW)
 #undef ROW
 

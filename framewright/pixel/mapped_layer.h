@@ -132,7 +132,9 @@ class FRAMEWRIGHT_EXPORT SmImagerMappedLayer : public SmManaged<SmImagerMappedLa
 
 #define SR_ROW(Record)                                                                  \
     extern template struct StClassFacts<SmImagerMappedLayer<Record, ScImagerNonSpool>>; \
-    extern template class SmImagerMappedLayer<Record, ScImagerNonSpool>;
+    extern template struct StClassFacts<SmImagerMappedLayer<Record, ScImagerSpool>>;    \
+    extern template class SmImagerMappedLayer<Record, ScImagerNonSpool>;                \
+    extern template class SmImagerMappedLayer<Record, ScImagerSpool>;
 FOR_EACH_MAPPED_PIXEL(SR_ROW)
 #undef SR_ROW
 
