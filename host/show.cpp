@@ -68,6 +68,35 @@ char Shade(CellColor const& upper, CellColor const& lower) {
     return kShades[static_cast<std::size_t>(sum) * (kShades.size() - 1) / (6 * 255)];
 }
 
+/// A picture cut into halves of character cells.
+struct Cells {
+    SmImagerFrame& frame;
+    StPoint size;
+    long columns, halves;
+
+    CellColor Color(long half, long column) const {
+        auto const [top, bottom] = Slice(size.vertical, halves, half);
+        auto const [left, right] = Slice(size.horizontal, columns, column);
+        return MeanColor(frame, {static_cast<std::int32_t>(top), static_cast<std::int32_t>(left),
+                                 static_cast<std::int32_t>(bottom), static_cast<std::int32_t>(right)});
+    }
+};
+
+/// The line of text that shows the halves `half` and, where there is one, the next.
+std::string Line(Cells const& cells, long half, ShowColors colors) {
+    bool const last = half + 1 == cells.halves;
+    std::string text;
+    for (long column = 0; column < cells.columns; ++column) {
+        CellColor const upper = cells.Color(half, column);
+        CellColor const lower = last ? CellColor{} : cells.Color(half + 1, column);
+        if (colors == ShowColors::kNone)
+            text += Shade(upper, last ? upper : lower);
+        else
+            text += ColorCode(upper, false, colors) + ColorCode(lower, true, colors) + "\u2580";
+    }
+    return colors == ShowColors::kNone ? text : text + "\033[0m";
+}
+
 }  // namespace
 
 void RunShow(ShowOptions const& options) {
@@ -82,23 +111,7 @@ void RunShow(ShowOptions const& options) {
         std::min<long>(options.width > 0 ? options.width : TerminalColumns(), size.horizontal);
     long const halves =
         std::max(1L, static_cast<long>(static_cast<long long>(columns) * size.vertical / size.horizontal));
-    for (long y = 0; y < halves && std::cout; y += 2) {
-        std::string text;
-        for (long x = 0; x < columns; ++x) {
-            auto const [left, right] = Slice(size.horizontal, columns, x);
-            auto const cell = [&](long half) {
-                auto const [top, bottom] = Slice(size.vertical, halves, half);
-                return MeanColor(*frame,
-                                 {static_cast<std::int32_t>(top), static_cast<std::int32_t>(left),
-                                  static_cast<std::int32_t>(bottom), static_cast<std::int32_t>(right)});
-            };
-            CellColor const upper = cell(y);
-            CellColor const lower = y + 1 < halves ? cell(y + 1) : CellColor{};
-            if (colors == ShowColors::kNone)
-                text += Shade(upper, y + 1 < halves ? lower : upper);
-            else
-                text += ColorCode(upper, false, colors) + ColorCode(lower, true, colors) + "\u2580";
-        }
-        std::cout << text << (colors == ShowColors::kNone ? "\n" : "\033[0m\n");
-    }
+    Cells const cells{*frame, size, columns, halves};
+    for (long y = 0; y < halves && std::cout; y += 2)
+        std::cout << Line(cells, y, colors) << '\n';
 }
