@@ -90,11 +90,13 @@ void SmMediaRecognizerBmp::ReadFrame(ScMediaLocation* location, SmImagerFrame*& 
 
 void SmMediaRecognizerBmp::WriteFrame(ScMediaLocation* location, SmImagerFrame* frame, long,
                                       ScProgressIndicator*) {
+    if (!frame) media::ThrowMediaError(SkMediaIncapableOfFormat());
     bmp::StResolution const resolution = ResolutionOf(mCurrentMedia);
     StFileInfo info = SkNoFileInfo();
     std::snprintf(info.typeText, sizeof info.typeText, "%s", kFileDescs[0].mExtension);
-    media::StStreamUse const stream(location, kFileReadWrite, info);
+    media::StStreamUse stream(location, kFileReadWrite, info);
     bmp::WritePicture(GetOrThrow(stream), frame, resolution);
+    stream.Release();
 }
 
 void SrRegisterBmp(bool terminate) {

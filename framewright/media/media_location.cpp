@@ -275,16 +275,14 @@ SmStream* ScMediaFileLocation::NewStream(StFileSpec const& spec) {
 }
 
 void ScMediaFileLocation::ReleaseStream(SmStream* stream) {
-    if (mStreamUseCount == 1) {
-        if (stream == mStream && mFileRef) {
-            mStream->ReleaseReference();
-            SrFileClose(std::exchange(mFileRef, 0), IsWriting(mPermission));
-            mStream = nullptr;
-        } else {
-            ForgetStream();
-        }
+    if (mStreamUseCount-- != 1) return;
+    if (stream != mStream || !mFileRef) {
+        ForgetStream();
+        return;
     }
-    --mStreamUseCount;
+    std::exchange(mStream, nullptr)->ReleaseReference();
+    long const result = SrFileClose(std::exchange(mFileRef, 0), IsWriting(mPermission));
+    if (result != SkNoError() && IsWriting(mPermission)) SrThrow(result, nullptr);
 }
 
 /// Parts with the open stream without closing it: somebody may still have it.
@@ -308,6 +306,7 @@ void ScMediaFileLocation::CloseForgotten() const {
 // --- a file: its record
 
 void ScMediaFileLocation::WriteTo(SmStream* stream) {
+    if (!mFileSpec.IsValid()) SrThrow(SkFileParameter(), nullptr);
     ScMediaLocation::WriteTo(stream);
     ScHeapString path, relativePath, streamPath;
     GetFullPath(path);

@@ -89,8 +89,7 @@ class FRAMEWRIGHT_EXPORT ScMediaFileLocation : public ScMediaLocation {
     /// reference; the file is closed when this location goes or forgets another stream.
     ScMediaLocation* Clone() const override;
     /// Absolute or relative. True, also for a file or folder that does not exist yet. A path that names no
-    /// file
-    /// (-50) is thrown, and the location then names nothing.
+    /// file (-50) is thrown, and the location then names nothing.
     bool SetFullPath(char const* path) override;
     /// Always true; a location that was never set gives an empty text.
     bool GetFullPath(ScSx& path) override;
@@ -102,7 +101,8 @@ class FRAMEWRIGHT_EXPORT ScMediaFileLocation : public ScMediaLocation {
     /// Null when the file cannot be opened or made, whatever the reason; -108 when there is no memory for the
     /// stream. While the stream is in use all callers get the same one, whatever their `permission`.
     SmStream* GetStream(StFilePermission permission, StFileInfo const& info, long createMode) override;
-    /// The last release closes the file, flushed if it was opened for writing.
+    /// The last release closes the file, flushed if it was opened for writing. What the system reports only
+    /// then of a file that was written is thrown, after the stream is gone; a file that was read was read.
     void ReleaseStream(SmStream* stream) override;
     /// -1 for a name without a number of at least two digits. Numbers past 32 bits wrap.
     long GetSequence() override;
@@ -110,10 +110,12 @@ class FRAMEWRIGHT_EXPORT ScMediaFileLocation : public ScMediaLocation {
     /// or too few; the location then names that file. A number below 0 is refused.
     bool SetSequence(long number) override;
     /// Adds the full path, then the path as seen from the file behind the stream (the full path where there
-    /// is none), so that a folder may move with all that it holds.
+    /// is none), so that a folder may move with all that it holds. A location that names nothing throws -50
+    /// and writes nothing: no reader takes such a record.
     void WriteTo(SmStream* stream) override;
     /// Reads versions 1 (full path alone), 2 (both, with 16-bit lengths) and 3. A file that is not where the
-    /// full path says is looked for along the relative path. A length beyond the stream's end throws.
+    /// full path says is looked for along the relative path. A length beyond the stream's end throws, and so
+    /// does a full path that SetFullPath refuses, whatever the relative one.
     void ReadFrom(SmStream* stream) override;
 
   private:

@@ -203,6 +203,22 @@ TEST(MediaLocationStream, PathsThatNoFileCanHaveThrow) {
               SkBadStreamFormatErrC());
 }
 
+TEST(MediaLocationStream, AFullPathThatIsRefusedThrowsWhateverTheRelativeOne) {
+    TempFolder const folder;
+    std::string const there = folder.Write("a.pic");
+    std::string const tooLong = folder.Path(std::string(300, 'a'));
+    EXPECT_EQ(ErrorOf([&] { Read(Big16(3) + "MeFL" + NewPath(tooLong) + NewPath(there)); }), -50);
+}
+
+TEST(MediaLocationStream, ALocationThatNamesNothingWritesNothing) {
+    ScMediaFileLocation location;
+    auto const stream = MemoryStream();
+    EXPECT_EQ(ErrorOf([&] { location.WriteTo(stream.Get()); }), -50);
+    EXPECT_EQ(ErrorOf([&] { location.SetFullPath(std::string(5000, 'a').c_str()); }), -50);
+    EXPECT_EQ(ErrorOf([&] { location.WriteTo(stream.Get()); }), -50);
+    EXPECT_EQ(stream->GetLength(), 0u);
+}
+
 TEST(MediaLocationStream, AnEmptyRelativePathLeavesTheFullOne) {
     EXPECT_EQ(PathOf(*Read(Big16(3) + "MeFL" + NewPath("/no such/a.pic") + NewPath(""))), "/no such/a.pic");
 }

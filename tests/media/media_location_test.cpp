@@ -323,6 +323,40 @@ TEST(MediaFileLocation, ReleaseStream_OfAnotherStreamForgetsItsOwn) {
     EXPECT_EQ(OpenFiles(), files);
 }
 
+/// Closes the file behind a location's back, so that closing it properly fails.
+void CloseBehindTheBack(std::string const& path) {
+    for (auto const& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code ignored;
+        if (std::filesystem::read_symlink(entry.path(), ignored) != path) continue;
+        close(std::stoi(entry.path().filename().string()));
+        return;
+    }
+    FAIL() << path << " is not open";
+}
+
+TEST(MediaFileLocation, ReleaseStream_ReportsAWrittenFileThatDoesNotClose) {
+    TempFolder const folder;
+    std::string const path = std::filesystem::canonical(folder.Write("a.pic", "hello")).string();
+    auto const location = LocationOf(path);
+    for (StFilePermission const permission : {kFileWrite, kFileReadWrite, kFileRead}) {
+        SCOPED_TRACE(int{permission});
+        SmStream* const stream = location->GetStream(permission, SkNoFileInfo(), 0);
+        ASSERT_TRUE(stream);
+        CloseBehindTheBack(path);
+        EXPECT_EQ(ErrorOf([&] { location->ReleaseStream(stream); }), permission == kFileRead ? 0 : -36);
+        EXPECT_EQ(ReadThrough(*location, 5), "hello") << "released all the same";
+    }
+}
+
+TEST(MediaFileLocation, Destructor_SwallowsAFileThatDoesNotClose) {
+    TempFolder const folder;
+    std::string const path = std::filesystem::canonical(folder.Write("a.pic", "hello")).string();
+    auto location = LocationOf(path);
+    ASSERT_TRUE(location->GetStream(kFileWrite, SkNoFileInfo(), 0));
+    CloseBehindTheBack(path);
+    location.reset();
+}
+
 TEST(MediaFileLocation, ReleaseStream_TooOftenIsCountedBelowZero) {
     TempFolder const folder;
     folder.Write("a.pic", "hello");
