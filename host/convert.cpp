@@ -22,11 +22,8 @@ SmMediaRecognizer& WriterFor(std::string const& path) {
         SmMediaRecognizer* recognizer = manager->GetRecognizer(i);
         bool reads = false, writes = false;
         recognizer->CapableOfReadAndWrite(reads, writes);
-        StMediaFileDesc row{};
-        for (long r = 0; writes && recognizer->GetFileDesc(r, row); ++r)
-            if (row.mExtension &&
-                strcasecmp(extension.c_str(), (std::string(".") + row.mExtension).c_str()) == 0)
-                return *recognizer;
+        if (writes && !extension.empty() && media::GoesBy(*recognizer, extension.c_str() + 1))
+            return *recognizer;
     }
     throw HostError(path, extension.empty() ? "needs an extension that says its format"
                                             : "no format that can be written has the extension " + extension);

@@ -16,14 +16,6 @@ SmMediaRecognizer* FindFormat(unsigned long type) {
     return manager ? manager->GetRecognizerByType(type) : nullptr;
 }
 
-bool HasExtension(SmMediaRecognizer& format, char const* extension) {
-    StMediaFileDesc row{};
-    for (long i = 0; format.GetFileDesc(i, row); ++i) {
-        if (row == extension) return true;
-    }
-    return false;
-}
-
 }  // namespace
 
 bool SrGetFileExtension(ScSx& name, ScSx& extension) {
@@ -37,10 +29,10 @@ bool SrStripKnownFileExtensions(ScSx& name, unsigned long type) {
     SmMediaRecognizer* const own = FindFormat(type);
     ScHeapString extension;
     if (!own || !SrGetFileExtension(name, extension)) return true;
-    if (HasExtension(*own, extension.AsCString())) return false;
+    if (media::GoesBy(*own, extension.AsCString())) return false;
     SmMediaManager& manager = *SrGlobalMediaManager();
     for (long i = 0; i < manager.NumberOfRecognizers(); ++i) {
-        if (!HasExtension(*manager.GetRecognizer(i), extension.AsCString())) continue;
+        if (!media::GoesBy(*manager.GetRecognizer(i), extension.AsCString())) continue;
         std::string const stem(name.AsCString(), name.Length() - extension.Length() - 1);
         name.Assign(stem.c_str());
         break;

@@ -44,16 +44,6 @@ SmMediaRecognizer* FindFirst(ScVector<StRef<SmMediaRecognizer>> const& recognize
     return nullptr;
 }
 
-/// Whether the format goes by a file type or by an extension.
-template <class TypeOrExtension>
-bool GoesBy(SmMediaRecognizer& recognizer, TypeOrExtension const& wanted) {
-    StMediaFileDesc row{};
-    for (long i = 0; recognizer.GetFileDesc(i, row); ++i) {
-        if (row == wanted) return true;
-    }
-    return false;
-}
-
 /// Whether the format yields objects of a family and a class, where 0 and null stand for any.
 bool Yields(SmMediaRecognizer& recognizer, unsigned long family, ScMC_* objectClass) {
     if (!family && !objectClass) return true;
@@ -215,7 +205,7 @@ SmMediaRecognizer* SmMediaManager::GetRecognizerByType(unsigned long type) {
 }
 
 SmMediaRecognizer* SmMediaManager::GetRecognizerByFileType(long type) {
-    return FindFirst(mRecognizers, [type](SmMediaRecognizer& format) { return GoesBy(format, type); });
+    return FindFirst(mRecognizers, [type](SmMediaRecognizer& format) { return media::GoesBy(format, type); });
 }
 
 SmMediaRecognizer* SmMediaManager::GetRecognizerBySample(ScMC_* objectClass, unsigned long* family) {
@@ -230,7 +220,7 @@ SmMediaRecognizer* SmMediaManager::GetRecognizerBySample(ScMC_* objectClass, uns
 
 bool SmMediaManager::IsMediaMatching(unsigned long type, StFileInfo const& info) {
     SmMediaRecognizer* const recognizer = GetRecognizerByType(type);
-    return recognizer && GoesBy(*recognizer, static_cast<char const*>(info.typeText));
+    return recognizer && media::GoesBy(*recognizer, static_cast<char const*>(info.typeText));
 }
 
 unsigned long SmMediaManager::IdentifyMedia(ScMediaLocation* location, unsigned long family,

@@ -78,3 +78,17 @@ class FRAMEWRIGHT_EXPORT SmMediaRecognizer : public SmManaged<SmMediaRecognizer>
 /// library reads it nowhere: a host asks before it calls SrAppendFileNameWithExtension.
 FRAMEWRIGHT_EXPORT bool SgGetAppendFileExtensions();
 FRAMEWRIGHT_EXPORT void SgSetAppendFileExtensions(bool append);
+
+namespace media {
+
+/// Whether a format goes by a file type, or by an extension without its dot.
+template <class TypeOrExtension>
+bool GoesBy(SmMediaRecognizer& format, TypeOrExtension wanted) {
+    StMediaFileDesc row{};
+    for (long i = 0; format.GetFileDesc(i, row); ++i) {
+        if (row == wanted) return true;
+    }
+    return false;
+}
+
+}  // namespace media
