@@ -64,7 +64,9 @@ std::uint32_t PaletteSize(std::uint32_t bitCount) {
 
 std::uint64_t StHeader::RowOffset(std::uint32_t row) const {
     std::uint64_t const stride = Stride();
-    return row != 0 && stride > UINT64_MAX / row ? UINT64_MAX : stride * row;
+    // Two numbers of 32 bits never pass 64: no division for rows that are not absurdly wide.
+    bool const fits = stride <= UINT32_MAX || row == 0 || stride <= UINT64_MAX / row;
+    return fits ? stride * row : UINT64_MAX;
 }
 
 std::uint64_t StHeader::ClaimedBytes() const {

@@ -52,6 +52,8 @@ void ScPixelData::Grow(std::size_t capacity) {
 unsigned char const* ScPixelData::Bytes(std::uint64_t at, std::size_t count) {
     std::size_t const there = at < mSize ? std::min<std::size_t>(count, mSize - at) : 0;
     if (there == count) return mBytes + at;
+    if (there == 0 && count <= mZeros) return mPadded.data();
+    mZeros = there == 0 ? count : 0;
     mPadded.resize(std::max(mPadded.size(), count));
     if (there > 0) std::memcpy(mPadded.data(), mBytes + at, there);
     std::memset(mPadded.data() + there, 0, count - there);

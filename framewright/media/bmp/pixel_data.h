@@ -34,6 +34,7 @@ class ScPixelData {
     std::size_t mCapacity = 0;
     std::size_t mSize = 0;
     ScVector<unsigned char> mPadded;  ///< a copy of bytes that run over the end
+    std::size_t mZeros = 0;           ///< how many of them, from the first on, are known to be 0
 };
 
 }  // namespace bmp

@@ -33,7 +33,13 @@ class ScPixelSink {
           mUnset(unset),
           mHasPlainRows(HasPlainRows(frame)),
           mTakesIndices(mHasPlainRows && mPixelID == indexID),
-          mTakesColorRows(mHasPlainRows && ColorRecords::Contains(mPixelID)) {}
+          mTakesColorRows(mHasPlainRows && ColorRecords::Contains(mPixelID)) {
+        std::int64_t const bits = unset == StUnset::kRows
+                                      ? std::int64_t{frame->BytesPerRow()} * 8
+                                      : std::int64_t{mSize.horizontal} * frame->PixelSize();
+        mClearedBytes = static_cast<std::size_t>(bits / 8);
+        mClearedBits = static_cast<int>(bits % 8);
+    }
 
     /// Rows and columns of the frame.
     StPoint const& Size() const { return mSize; }
@@ -106,14 +112,9 @@ class ScPixelSink {
 
     void ClearRow(long y) {
         auto* const row = static_cast<unsigned char*>(mRow.At(y));
-        if (mUnset == StUnset::kRows) {
-            std::memset(row, 0, static_cast<std::size_t>(mFrame->BytesPerRow()));
-            return;
-        }
-        std::int64_t const bits = std::int64_t{mSize.horizontal} * mFrame->PixelSize();
-        std::memset(row, 0, static_cast<std::size_t>(bits / 8));
+        std::memset(row, 0, mClearedBytes);
         // Pixels run from the high bits of a byte to the low ones.
-        if (bits % 8 != 0) row[bits / 8] &= static_cast<unsigned char>(0xFF >> bits % 8);
+        if (mClearedBits > 0) row[mClearedBytes] &= static_cast<unsigned char>(0xFF >> mClearedBits);
     }
     void ClearRows() {
         if (mSize.horizontal == 0) return;
@@ -130,6 +131,8 @@ class ScPixelSink {
     bool mHasPlainRows;
     bool mTakesIndices;
     bool mTakesColorRows;
+    std::size_t mClearedBytes;  ///< of a row, and how many bits of the byte behind them
+    int mClearedBits;
 };
 
 }  // namespace bmp
