@@ -27,6 +27,7 @@ void SmMedia::Free() {
 }
 
 void SmMedia::SetLocation(ScMediaLocation* location) {
+    if (!location) SrThrow(SkInternalRefusal(), nullptr);
     mLocation.reset(location->Clone());
 }
 

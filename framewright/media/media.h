@@ -53,7 +53,7 @@ class FRAMEWRIGHT_EXPORT SmMedia : public SmManaged<SmMedia> {
     /// Shares the tracks; has a clone of the location.
     void CloneFrom(SmMedia const& other);
 
-    /// Keeps a clone of the location in place of the one before.
+    /// Keeps a clone of the location in place of the one before. Null throws SkInternalRefusal().
     void SetLocation(ScMediaLocation* location);
 
   private:

@@ -115,6 +115,7 @@ void SrLoadTargettedObjectFromMedia(ScMediaLocation* location, ScMC_* objectClas
 
 void SrSaveObjectToMedia(ScMediaLocation* location, ScMC_* objectClass, SmObject* object, unsigned long type,
                          ScProgressIndicator* progress) {
+    if (!object) ThrowMediaError(SkMediaIncapableOfFormat());
     unsigned long family = 0;
     SmMediaRecognizer& format = FormatForSaving(objectClass, type, family);
     auto const media = StRef<SmMedia>::Adopt(format.NewMedia(location));

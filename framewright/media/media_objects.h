@@ -30,7 +30,7 @@ FRAMEWRIGHT_EXPORT void SrLoadTargettedObjectFromMedia(ScMediaLocation* location
 
 /// Writes a new file that holds `object`. With `type` 0 the first format that yields such objects writes it.
 /// SkUnrecognizedMedia() for an unknown type, SkMediaIncapableOfFormat() for a format that cannot hold the
-/// object. Of a track the first frame is written, into one file.
+/// object, and for a null one. Of a track the first frame is written, into one file.
 FRAMEWRIGHT_EXPORT void SrSaveObjectToMedia(ScMediaLocation* location, ScMC_* objectClass, SmObject* object,
                                             unsigned long type, ScProgressIndicator* progress);
 

@@ -40,6 +40,7 @@ void SmMediaTrack::Free() {
 }
 
 void SmMediaTrack::Open(ScMediaLocation* location) {
+    if (!location) SrThrow(SkInternalRefusal(), nullptr);
     mLocation.reset(location->Clone());
 }
 
@@ -96,7 +97,9 @@ void SmMediaTrack::ReadFrames(SmObject*& object, ScMC_* objectClass, SmObject*&,
         media::StResult frame(track->GetStoredFrame(destination + i)), extra;
         ReadFrames(frame.object, SmImagerFrame::Class(), extra.object, first + i, 1, 0, progress, option);
         if (!frame.IsNew()) continue;
-        track->SetFrame(destination + i, static_cast<SmImagerFrame*>(frame.object));
+        auto* const image = dynamic_cast<SmImagerFrame*>(frame.object);
+        if (!image) SrThrow(SkInternalRefusal(), nullptr);  // the format's fault
+        track->SetFrame(destination + i, image);
         track->SaveFrame(destination + i, 0);
     }
     if (made) object = made.Release();

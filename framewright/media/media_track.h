@@ -30,7 +30,7 @@ class FRAMEWRIGHT_EXPORT SmMediaTrack : public SmManaged<SmMediaTrack> {
     friend SmManaged<SmMediaTrack>;
 
   public:
-    /// Keeps a clone of the location in place of the one before.
+    /// Keeps a clone of the location in place of the one before. Null throws SkInternalRefusal().
     void Open(ScMediaLocation* location);
     void Free() override;
 

@@ -33,6 +33,20 @@ StRef<SmMediaTrackSimple> MakeTrack(SmMediaSimple* recognizer, SmMedia* media) {
     return track;
 }
 
+/// What an object has from its initialiser, or from being opened; asked for before, it is refused.
+template <class X>
+X& Given(X* part) {
+    if (!part) SrThrow(SkInternalRefusal(), nullptr);
+    return *part;
+}
+
+/// `object` as the frame that it was announced as; null stays null.
+SmImagerFrame* FrameIn(SmObject* object) {
+    auto* const frame = dynamic_cast<SmImagerFrame*>(object);
+    if (object && !frame) media::ThrowMediaError(SkMediaIncapableOfFormat());
+    return frame;
+}
+
 }  // namespace
 
 // The recognizer.
@@ -124,7 +138,7 @@ void SmMediaStreamSimple::Free() {
 
 void SmMediaStreamSimple::Open(ScMediaLocation* location) {
     SetLocation(location);
-    auto const track = MakeTrack(mRecognizer.Get(), this);
+    auto const track = MakeTrack(&Given(mRecognizer.Get()), this);
     track->Open(location);
     AddTrack(track.Get());
 }
@@ -132,12 +146,12 @@ void SmMediaStreamSimple::Open(ScMediaLocation* location) {
 void SmMediaStreamSimple::Close() {}
 
 unsigned long SmMediaStreamSimple::GetMediaType() {
-    return mRecognizer->GetType();
+    return Given(mRecognizer.Get()).GetType();
 }
 
 SmMediaTrack* SmMediaStreamSimple::NewTrack(unsigned long trackType, SmTrackSpec* spec) {
     if (trackType != kVideoTrack) return nullptr;
-    auto const track = MakeTrack(mRecognizer.Get(), this);
+    auto const track = MakeTrack(&Given(mRecognizer.Get()), this);
     track->OpenNew(GetLocation());
     track->SetSpec(spec);
     AddTrack(track.Get());
@@ -176,31 +190,39 @@ void SmMediaTrackSimple::ForgetMedia(SmMedia* media) {
     if (mMedia == media) mMedia = nullptr;
 }
 
+SmMediaSimple& SmMediaTrackSimple::Format() {
+    return Given(mRecognizer.Get());
+}
+
+SmVideoSpec& SmMediaTrackSimple::Spec() {
+    return Given(mSpec.Get());
+}
+
 void SmMediaTrackSimple::Open(ScMediaLocation* location) {
     SmMediaTrack::Open(location);
-    bool const isMovie = mRecognizer->IsMovieFormat(location);
+    bool const isMovie = Format().IsMovieFormat(location);
     if (isMovie) {
-        mSpec->mIsSequence = false;
-    } else if (media::NextInSequenceIsCertain(*location, *mRecognizer)) {
-        mSpec->mIsSequence = true;
+        Spec().mIsSequence = false;
+    } else if (media::NextInSequenceIsCertain(*location, Format())) {
+        Spec().mIsSequence = true;
     }
     CountFrames(location, isMovie);
 }
 
 void SmMediaTrackSimple::CountFrames(ScMediaLocation* location, bool isMovie) {
     if (isMovie) {
-        StCurrentMedia const current(mRecognizer.Get(), mMedia);
-        mFrameCount = SrITrunc(mRecognizer->DurationOfFile(location) * GetFrameRate());
-        mSpec->mIsSequence = false;
+        StCurrentMedia const current(&Format(), mMedia);
+        mFrameCount = SrITrunc(Format().DurationOfFile(location) * GetFrameRate());
+        Spec().mIsSequence = false;
     } else {
         mFrameCount = SrCountSequentialFiles(location);
-        if (mFrameCount >= 2) mSpec->mIsSequence = true;
+        if (mFrameCount >= 2) Spec().mIsSequence = true;
     }
 }
 
 std::unique_ptr<ScMediaLocation> SmMediaTrackSimple::LocationOfFrame(bool isMovie, long number) {
-    std::unique_ptr<ScMediaLocation> location(Location()->Clone());
-    if (!isMovie && mSpec->mIsSequence) location->SetSequence(number);
+    std::unique_ptr<ScMediaLocation> location(Given(Location()).Clone());
+    if (!isMovie && Spec().mIsSequence) location->SetSequence(number);
     return location;
 }
 
@@ -209,15 +231,15 @@ long SmMediaTrackSimple::NumberOfFrames() {
 }
 
 float SmMediaTrackSimple::GetFrameRate() {
-    return mSpec->mFrameRate;
+    return Spec().mFrameRate;
 }
 
 StPoint SmMediaTrackSimple::GetFrameSize() {
-    return mSpec->mFrameSize;
+    return Spec().mFrameSize;
 }
 
 SmTrackSpec* SmMediaTrackSimple::GetSpec() {
-    return mSpec->Clone();
+    return Spec().Clone();
 }
 
 void SmMediaTrackSimple::SetSpec(SmTrackSpec* spec) {
@@ -225,39 +247,41 @@ void SmMediaTrackSimple::SetSpec(SmTrackSpec* spec) {
 }
 
 long SmMediaTrackSimple::NumberOfObjectClasses() {
-    return mRecognizer->NumberOfObjectClasses();
+    return Format().NumberOfObjectClasses();
 }
 
 ScMC_* SmMediaTrackSimple::ObjectClass(long index) {
-    return mRecognizer->ObjectClass(index, nullptr);
+    return Format().ObjectClass(index, nullptr);
 }
 
 void SmMediaTrackSimple::ReadFrames(SmObject*& object, ScMC_* objectClass, SmObject*& extra, long first,
                                     long count, long destination, ScProgressIndicator* progress,
                                     unsigned long option) {
-    bool const isMovie = mRecognizer->IsMovieFormat(Location());
+    mCurrentFrame = first;
+    bool const isMovie = Format().IsMovieFormat(&Given(Location()));
     if (!isMovie) first += Location()->GetSequence();
     if (objectClass != SmImagerFrame::Class()) {
         SmMediaTrack::ReadFrames(object, objectClass, extra, first, count, destination, progress, option);
         return;
     }
-    mCurrentFrame = first;
+    auto* frame = FrameIn(object);
     auto const location = LocationOfFrame(isMovie, first);
-    auto* frame = static_cast<SmImagerFrame*>(object);
-    StCurrentMedia const current(mRecognizer.Get(), mMedia);
-    mRecognizer->ReadFrame(location.get(), frame, first, progress, option);
+    StCurrentMedia const current(&Format(), mMedia);
+    Format().ReadFrame(location.get(), frame, first, progress, option);
     object = frame;
 }
 
 void SmMediaTrackSimple::WriteFrames(SmObject* object, ScMC_* objectClass, long first, long count,
                                      long destination, unsigned char position,
                                      ScProgressIndicator* progress) {
-    if (count > 1) mSpec->mIsSequence = true;
+    if (count > 1) Spec().mIsSequence = true;
     if (objectClass != SmImagerFrame::Class()) {
         SmMediaTrack::WriteFrames(object, objectClass, first, count, destination, position, progress);
         return;
     }
-    auto const location = LocationOfFrame(mRecognizer->IsMovieFormat(Location()), first + 1);
-    StCurrentMedia const current(mRecognizer.Get(), mMedia);
-    mRecognizer->WriteFrame(location.get(), static_cast<SmImagerFrame*>(object), first, progress);
+    SmImagerFrame* const frame = FrameIn(object);
+    if (!frame) media::ThrowMediaError(SkMediaIncapableOfFormat());
+    auto const location = LocationOfFrame(Format().IsMovieFormat(&Given(Location())), first + 1);
+    StCurrentMedia const current(&Format(), mMedia);
+    Format().WriteFrame(location.get(), frame, first, progress);
 }

@@ -80,7 +80,8 @@ class StCurrentMedia {
 };
 
 SM_CLASS(SmMediaStreamSimple, SmMedia, 0);
-/// The media of a simple format: one video track on the location.
+/// The media of a simple format: one video track on the location. Before its initialiser an operation that
+/// asks the recognizer throws SkInternalRefusal().
 class FRAMEWRIGHT_EXPORT SmMediaStreamSimple : public SmManaged<SmMediaStreamSimple> {
     friend SmManaged<SmMediaStreamSimple>;
 
@@ -107,7 +108,8 @@ class FRAMEWRIGHT_EXPORT SmMediaStreamSimple : public SmManaged<SmMediaStreamSim
 };
 
 SM_CLASS(SmMediaTrackSimple, SmMediaTrack, 0);
-/// The one track of a simple media.
+/// The one track of a simple media. Before its initialiser, and before it is open where a location is needed,
+/// an operation throws SkInternalRefusal().
 ///
 /// A track on numbered files reads frame n from the file whose number is the location's own plus n, and
 /// writes frame n to the file of number n + 1.
@@ -137,10 +139,12 @@ class FRAMEWRIGHT_EXPORT SmMediaTrackSimple : public SmManaged<SmMediaTrackSimpl
     ScMC_* ObjectClass(long index) override;
 
     /// The number of a still location is added to `first`: -1 for one that has none. For a SmImagerTrack it
-    /// is added once more for each frame, which shows in sequences that do not begin with 0.
+    /// is added once more for each frame, which shows in sequences that do not begin with 0. An object that
+    /// is no frame throws SkMediaIncapableOfFormat() where a frame is to be filled.
     void ReadFrames(SmObject*& object, ScMC_* objectClass, SmObject*& extra, long first, long count,
                     long destination, ScProgressIndicator* progress, unsigned long option) override;
-    /// A `count` above 1 makes the track a sequence for the rest of its life.
+    /// A `count` above 1 makes the track a sequence for the rest of its life. What is no frame, or null,
+    /// throws SkMediaIncapableOfFormat() where a frame is to be written.
     void WriteFrames(SmObject* object, ScMC_* objectClass, long first, long count, long destination,
                      unsigned char position, ScProgressIndicator* progress) override;
 
@@ -151,7 +155,7 @@ class FRAMEWRIGHT_EXPORT SmMediaTrackSimple : public SmManaged<SmMediaTrackSimpl
     void CloneFrom(SmMediaTrackSimple const& other);
     void Free() override;
 
-    long mCurrentFrame = 0;  ///< the frame that was asked for last
+    long mCurrentFrame = 0;  ///< the `first` of the last ReadFrames; while a track is read, where that stands
     long mLastFrame = 0;     ///< for formats that keep a place in their file
     long mFrameCount = 1;
     StRef<SmVideoSpec> mSpec;
@@ -159,6 +163,8 @@ class FRAMEWRIGHT_EXPORT SmMediaTrackSimple : public SmManaged<SmMediaTrackSimpl
     SmMedia* mMedia = nullptr;  ///< not owned
 
   private:
+    SmMediaSimple& Format();
+    SmVideoSpec& Spec();
     void CountFrames(ScMediaLocation* location, bool isMovie);
     /// A clone of the location that names the file of frame `number` where the track is a sequence.
     std::unique_ptr<ScMediaLocation> LocationOfFrame(bool isMovie, long number);

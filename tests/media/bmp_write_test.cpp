@@ -240,6 +240,37 @@ TEST(BmpWrite, MissingStream_IsFileNotFound) {
               SkFileNotFound());
 }
 
+TEST(BmpWrite, NoFrame_IsRefusedBeforeTheStreamIsAskedFor) {
+    StRef<CountedStream> const stream = Counted();
+    StreamLocation location(stream.Get());
+    EXPECT_EQ(ErrorOf([&] { Recognizer()->WriteFrame(&location, nullptr, 0, nullptr); }),
+              SkMediaIncapableOfFormat());
+    EXPECT_EQ(location.lastCreateMode, 0);
+}
+
+/// Fails when its stream comes back, as a file may that is closed.
+class FailingLocation : public StreamLocation {
+  public:
+    using StreamLocation::StreamLocation;
+    void ReleaseStream(SmStream* stream) override {
+        StreamLocation::ReleaseStream(stream);
+        SrThrow(SkInputOutput(), nullptr);
+    }
+};
+
+TEST(BmpWrite, FailureOfTheRelease_IsReported) {
+    StRef<SmImagerFrame> const frame = Frame(1, 1, SrCode("RG32"));
+    StRef<CountedStream> const stream = Counted();
+    FailingLocation location(stream.Get());
+    EXPECT_EQ(ErrorOf([&] { Recognizer()->WriteFrame(&location, frame.Get(), 0, nullptr); }),
+              SkInputOutput());
+    EXPECT_EQ(location.outstanding, 0);
+    // What failed first is what is told.
+    stream->room = 0;
+    EXPECT_EQ(ErrorOf([&] { Recognizer()->WriteFrame(&location, frame.Get(), 0, nullptr); }), SkDiskFull());
+    EXPECT_EQ(location.outstanding, 0);
+}
+
 /// A frame that claims a size and is never looked into.
 class ClaimingFrame : public SmImagerLayer<StRGBA32Pixel, ScImagerNonSpool> {
   public:

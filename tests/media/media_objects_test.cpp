@@ -216,6 +216,15 @@ TEST_F(MediaObjects, Save_FailsWithTheRightCode) {
         << "a format that makes no media";
 }
 
+TEST_F(MediaObjects, Save_OfNothingIsRefusedBeforeThereIsMedia) {
+    for (unsigned long const type : std::initializer_list<unsigned long>{0, SrCode("Aaaa")}) {
+        Outcome const outcome =
+            OutcomeOf([&] { SrSaveObjectToMedia(&location, OneClass(), nullptr, type, nullptr); });
+        EXPECT_EQ(outcome, (Outcome{SkMediaIncapableOfFormat(), 10}));
+    }
+    EXPECT_EQ(log.lines, std::vector<std::string>{});
+}
+
 TEST_F(MediaObjects, Save_ThatThrowsReleasesTheMedia) {
     target->tracksThrow = true;
     EXPECT_EQ(Save(OneClass(), 0), (Outcome{-50, 0}));

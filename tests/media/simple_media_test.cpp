@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <sstream>
 
 #include "framewright/frame/layer_factory.h"
@@ -678,6 +679,97 @@ TEST(SimpleTrack, Clone_HasASpecOfItsOwn) {
     EXPECT_EQ(clone->GetFrameRate(), 3.0F);
     ReadFrameOf(opened.Track(), 1);
     EXPECT_EQ(opened.format->lines, (Lines{"read s02.spy 2 new"}));
+}
+
+// Use that is refused.
+
+TEST(SimpleTrack, BeforeItsInitialiser_Refuses) {
+    TempFolder const folder;
+    auto const location = LocationOf(folder.Write("a.spy"));
+    auto const frames = TrackOf({9});
+    auto const track = StRef<SmMediaTrackSimple>::Adopt(SmMediaTrackSimple::New());
+    track->OpenNew(location.get());
+    SmObject *object = nullptr, *extra = nullptr;
+    std::function<void()> const uses[] = {
+        [&] { track->GetFrameRate(); },
+        [&] { track->GetFrameSize(); },
+        [&] { track->GetDuration(); },
+        [&] { track->GetSpec(); },
+        [&] { track->NumberOfObjectClasses(); },
+        [&] { track->ObjectClass(0); },
+        [&] { track->Open(location.get()); },
+        [&] { track->ReadFrames(object, SmImagerFrame::Class(), extra, 0, 1, 0, nullptr, 0); },
+        [&] { track->ReadFrames(object, SmImagerTrack::Class(), extra, 0, 1, 0, nullptr, 0); },
+        [&] { track->ReadTime(object, SmImagerFrame::Class(), extra, 0, 1, 0, nullptr, 0); },
+        [&] { track->WriteFrames(frames->GetStoredFrame(0), SmImagerFrame::Class(), 0, 1, 0, 3, nullptr); },
+        [&] { track->WriteFrames(frames->GetStoredFrame(0), SmImagerFrame::Class(), 0, 2, 0, 3, nullptr); },
+    };
+    for (auto const& use : uses)
+        EXPECT_EQ(ErrorOf(use), SkInternalRefusal());
+    EXPECT_EQ(object, nullptr);
+    auto const clone = StRef<SmMediaTrackSimple>::Adopt(track->Clone());
+    EXPECT_EQ(ErrorOf([&] { clone->GetFrameRate(); }), SkInternalRefusal());
+    track->ITrackSimple(Made<SpyFormat>().Get(), nullptr);
+    EXPECT_EQ(track->GetFrameRate(), 15.0F);
+}
+
+TEST(SimpleTrack, BeforeItIsOpen_Refuses) {
+    auto const track = StRef<SmMediaTrackSimple>::Adopt(SmMediaTrackSimple::New());
+    track->ITrackSimple(Made<SpyFormat>().Get(), nullptr);
+    auto const frames = TrackOf({9});
+    SmObject *object = nullptr, *extra = nullptr;
+    EXPECT_EQ(ErrorOf([&] { track->ReadFrames(object, SmImagerFrame::Class(), extra, 0, 1, 0, nullptr, 0); }),
+              SkInternalRefusal());
+    EXPECT_EQ(ErrorOf([&] {
+                  track->WriteFrames(frames->GetStoredFrame(0), SmImagerFrame::Class(), 0, 1, 0, 3, nullptr);
+              }),
+              SkInternalRefusal());
+    EXPECT_EQ(ErrorOf([&] { track->Open(nullptr); }), SkInternalRefusal());
+}
+
+TEST(SimpleMedia, BeforeItsInitialiser_Refuses) {
+    TempFolder const folder;
+    auto const location = LocationOf(folder.Write("a.spy"));
+    auto const media = StRef<SmMediaStreamSimple>::Adopt(SmMediaStreamSimple::New());
+    EXPECT_EQ(ErrorOf([&] { media->GetMediaType(); }), SkInternalRefusal());
+    EXPECT_EQ(ErrorOf([&] { media->Open(location.get()); }), SkInternalRefusal());
+    media->OpenNew(location.get());
+    EXPECT_EQ(ErrorOf([&] { media->NewTrack(kVideo, nullptr); }), SkInternalRefusal());
+    EXPECT_EQ(media->NumberOfTracks(), 0);
+}
+
+TEST(SimpleMedia, BeforeItHasALocation_MakesNoTrack) {
+    auto const format = Made<SpyFormat>();
+    auto const media = StRef<SmMedia>::Adopt(format->NewMediaObject());
+    EXPECT_EQ(ErrorOf([&] { media->NewTrack(kVideo, nullptr); }), SkInternalRefusal());
+    EXPECT_EQ(ErrorOf([&] { media->OpenNew(nullptr); }), SkInternalRefusal());
+    EXPECT_EQ(media->NumberOfTracks(), 0);
+}
+
+TEST(SimpleRead, ObjectThatIsNoFrame_IsRefused) {
+    TempFolder const folder;
+    Opened<SpyFormat> const still(folder.Write("a.spy"));
+    auto const frames = TrackOf({9});
+    SmObject *object = frames.Get(), *extra = nullptr;
+    EXPECT_EQ(ErrorOf([&] {
+                  still.Track()->ReadFrames(object, SmImagerFrame::Class(), extra, 0, 1, 0, nullptr, 0);
+              }),
+              SkMediaIncapableOfFormat());
+    EXPECT_EQ(object, frames.Get());
+    EXPECT_EQ(still.format->lines, Lines{});
+}
+
+TEST(SimpleWrite, ObjectThatIsNoFrame_IsRefused) {
+    TempFolder const folder;
+    Prepared<SpyFormat> const prepared(folder.Path("a.spy"));
+    auto const frames = TrackOf({9});
+    for (SmObject* object : {static_cast<SmObject*>(frames.Get()), static_cast<SmObject*>(nullptr)}) {
+        EXPECT_EQ(ErrorOf([&] {
+                      prepared.track->WriteFrames(object, SmImagerFrame::Class(), 0, 1, 0, 3, nullptr);
+                  }),
+                  SkMediaIncapableOfFormat());
+    }
+    EXPECT_EQ(prepared.format->lines, Lines{});
 }
 
 }  // namespace
