@@ -212,6 +212,24 @@ TEST(BmpMemory, HugeSizes_AllocateNothingForAFrameOfTheCaller) {
     EXPECT_LT(allocations.Largest(), 1000u);
 }
 
+TEST(BmpMemory, NoRows_CostNothingHoweverWide) {
+    for (std::uint16_t bits : {1, 8, 24, 32}) {
+        SCOPED_TRACE(bits);
+        File file = SmallFile(bits, 0, 40);
+        file.width = INT32_MAX / 32;
+        file.height = 0;
+        StRef<SmMemoryStream> const stream = MemoryStream(file.Build());
+        StRef<SmMemoryStream> const written = MemoryStream({});
+        StreamLocation location(written.Get());
+        Allocations const allocations;
+        StRef<SmImagerFrame> const frame = ReadStream(stream.Get());
+        EXPECT_EQ(frame->GetSize(), (StPoint{0, INT32_MAX / 32}));
+        Recognizer()->WriteFrame(&location, frame.Get(), 0, nullptr);
+        EXPECT_EQ(written->GetLength(), 54u);
+        EXPECT_LT(allocations.Largest(), 10000u);
+    }
+}
+
 TEST(BmpMemory, FrameOverTheLimit_IsRefusedBeforeItIsAllocated) {
     File file = SmallFile(24, 0, 40);
     file.width = 0x10000;
