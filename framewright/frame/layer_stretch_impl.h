@@ -7,6 +7,7 @@
 #include "framewright/frame/copy_road.h"
 #include "framewright/frame/layer.h"
 #include "framewright/frame/pixel_mixing.h"
+#include "framewright/frame/row_lock.h"
 #include "framewright/frame/stretch_map.h"
 #include "framewright/pixel/smart_pixel.h"
 
@@ -43,11 +44,17 @@ void SmImagerLayer<Pixel, Spool>::StretchRow(SmImagerFrame* source, StPoint cons
     long const y0 = std::min<long>(SrITrunc(fy), lastRow);
     long const y1 = y0 < lastRow ? y0 + 1 : y0;
     float const down = fy - static_cast<float>(y0);
-    void const* const upper = source->LockRow(y0);
-    void const* const lower = source->LockRow(y1);
-    void* const row = this->LockRow(y);
-    for (long x = to.left; x < to.right; ++x) {
-        float const fx = map.columns.At(x);
+    frame::StRowLock upperLock(*source, y0);
+    frame::StRowLock lowerLock(*source, y1);
+    frame::StRowLock rowLock(*this, y);
+    // All that the loop reads stands in variables of its own: no pixel that it stores could change them.
+    void const* const upper = upperLock.Address();
+    void const* const lower = lowerLock.Address();
+    void* const row = rowLock.Address();
+    frame::ScStretchAxis const columns = map.columns;
+    long const right = to.right;
+    for (long x = to.left; x < right; ++x) {
+        float const fx = columns.At(x);
         long const x0 = std::min<long>(SrITrunc(fx), lastColumn);
         long const x1 = x0 < lastColumn ? x0 + 1 : x0;
         float const across = fx - static_cast<float>(x0);
@@ -61,9 +68,9 @@ void SmImagerLayer<Pixel, Spool>::StretchRow(SmImagerFrame* source, StPoint cons
         frame::BlendPixels(a, b, down);
         pixel::StorePixel(row, x, a);
     }
-    source->UnlockRow(y0);
-    source->UnlockRow(y1);
-    this->UnlockRow(y);
+    upperLock.Release();
+    lowerLock.Release();
+    rowLock.Release();
 }
 
 template <class Pixel, class Spool>
@@ -74,24 +81,30 @@ bool SmImagerLayer<Pixel, Spool>::StretchBlitFast(SmImagerFrame* source, StRect 
     StPoint const sourceSize = source->GetSize();
     if (SrHasPixels(sourceSize)) {
         frame::StStretchMap const map(from, to);
+        frame::ScStretchAxis const columns = map.columns;
         long const lastRow = sourceSize.vertical - 1L;
         long const lastColumn = sourceSize.horizontal - 1L;
         bool const onePixelType = frame::OnePixelType(*source, *this);
         std::unique_ptr<ScSmartPixel> const smart(onePixelType ? nullptr : source->NewSmartPixel());
         for (long y = to.top; y < to.bottom; ++y) {
             long const sy = std::min(map.rows.PixelAt(y), lastRow);
-            void const* const sourceRow = onePixelType ? source->GetRow(sy) : nullptr;
-            void* const row = onePixelType ? Row(y) : nullptr;
-            for (long x = to.left; x < to.right; ++x) {
-                long const sx = std::min(map.columns.PixelAt(x), lastColumn);
-                if (onePixelType) {
+            auto const forEachPixel = [&](auto const& copy) {
+                for (long x = to.left; x < to.right; ++x)
+                    copy(std::min(columns.PixelAt(x), lastColumn), x);
+            };
+            if (onePixelType) {
+                void const* const sourceRow = source->GetRow(sy);
+                void* const row = Row(y);
+                forEachPixel([&](long sx, long x) {
                     Pixel pixel{};
                     pixel::LoadPixel(sourceRow, sx, pixel);
                     pixel::StorePixel(row, x, pixel);
-                } else {
+                });
+            } else {
+                forEachPixel([&](long sx, long x) {
                     source->GetPixelAt(sx, sy, smart.get());
                     this->PutPixelAt(x, y, smart.get());
-                }
+                });
             }
         }
     }

@@ -22,6 +22,10 @@ inline void LoadPixel(void const* row, long x, Record& out) {
         out.GetPixelFromRow(row, x);
     else if constexpr (std::is_same_v<Record, StBlackWhitePixel>)
         out.black = StRowPacking<1>::Get(row, x) & 1;
+    else if constexpr (sizeof(Record) == 3)
+        // Compilers keep the three bytes apart here; of a memcpy they make a word and a byte, and take the
+        // word to pieces again.
+        out = static_cast<Record const*>(row)[x];
     else
         std::memcpy(static_cast<void*>(&out), static_cast<unsigned char const*>(row) + x * kBytes, kBytes);
 }

@@ -10,7 +10,7 @@ constexpr std::int32_t SrITrunc(double value) {
     return value > -2147483649.0 && value < 2147483648.0 ? static_cast<std::int32_t>(value) : INT32_MIN;
 }
 constexpr std::int32_t SrITrunc(float value) {
-    return SrITrunc(static_cast<double>(value));
+    return value >= -0x1p31f && value < 0x1p31f ? static_cast<std::int32_t>(value) : INT32_MIN;
 }
 
 /// The same to 64 bits; 0x8000000000000000 for NaN and for what does not fit.
