@@ -67,8 +67,9 @@ class FRAMEWRIGHT_EXPORT SmImagerLayer : public SmManaged<SmImagerLayer<Pixel, S
     ///
     /// Where rows leave memory nothing is allocated yet, and `nativeBitmap` means nothing.
     ///
-    /// -108 when memory is refused, when the size is negative or over SrGetFrameSizeLimit(). Foreground,
-    /// background and the pixels are not set.
+    /// -108 when memory is refused, when the size is negative or over SrGetFrameSizeLimit(), or when
+    /// `rowBytes`, of either sign, holds less than a row. Foreground, background and the pixels are not set.
+    /// A layer that is initialised again without a parent keeps the one it has.
     void IImagerLayer(StPoint const& topLeft, StPoint const& size, bool nativeBitmap, void* base,
                       long rowBytes, SmImagerFrame* parent);
 

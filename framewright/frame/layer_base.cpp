@@ -1,5 +1,8 @@
 #include "framewright/frame/layer_base.h"
 
+#include <cstdlib>
+#include <utility>
+
 #include "framewright/frame/frame_limit.h"
 #include "framewright/platform/win_bitmap.h"
 #include "framewright/thornmere/error.h"
@@ -16,14 +19,19 @@ SmLayerBase::~SmLayerBase() = default;
 
 void SmLayerBase::Free() {
     ReleaseBlock();
-    if (StRef<SmImagerFrame> const parent = std::move(mParent)) parent->ReleaseContiguous();
+    ReplaceParent(nullptr);
     SmImagerFrame::Free();
 }
 
 void SmLayerBase::TakeParent(SmImagerFrame* parent) {
     // In this order a parent that cannot be contiguous is not asked to end it either.
     parent->ForceContiguous();
-    mParent = parent;
+    ReplaceParent(parent);
+}
+
+void SmLayerBase::ReplaceParent(SmImagerFrame* parent) {
+    StRef<SmImagerFrame> const before = std::exchange(mParent, StRef<SmImagerFrame>(parent));
+    if (before) before->ReleaseContiguous();
 }
 
 void SmLayerBase::TakeGeometry(StPoint const& topLeft, StPoint const& size, long bits,
@@ -39,6 +47,8 @@ void SmLayerBase::TakeGeometry(StPoint const& topLeft, StPoint const& size, long
     mRowBytes = static_cast<std::int32_t>(rowBytes);
     if (rowBytes == 0) ComputeRowBytes(bits);
     RefuseOverLimit(tableEntryBytes);
+    if (SrHasPixels(mSize) && std::abs(std::int64_t{mRowBytes}) < (mSize.horizontal * bits + 7) / 8)
+        SrThrow(SkMemoryFull(), nullptr);
     if (parent) TakeParent(parent);
 }
 

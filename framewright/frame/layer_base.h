@@ -55,7 +55,7 @@ class FRAMEWRIGHT_EXPORT SmLayerBase : public SmImagerFrame {
 
     /// The first half of initialisation: takes place, size, a lent base (or null) and the parent, which is
     /// asked to be contiguous; computes the row bytes where `rowBytes` is 0. -108 for a size that is negative
-    /// or over the limit.
+    /// or over the limit, and for row bytes, of either sign, that hold less than a row.
     void TakeGeometry(StPoint const& topLeft, StPoint const& size, long bits, std::size_t tableEntryBytes,
                       void* base, long rowBytes, SmImagerFrame* parent);
     /// The first half of cloning: the frame's fields, geometry and parent of `other`, and its base if that is
@@ -87,6 +87,8 @@ class FRAMEWRIGHT_EXPORT SmLayerBase : public SmImagerFrame {
 
   private:
     void TakeParent(SmImagerFrame* parent);
+    /// Takes a parent that has been made contiguous, or none, and ends that of the one before.
+    void ReplaceParent(SmImagerFrame* parent);
 
     void* mNativeImageContext = nullptr;
     void* mNativeBitmap = nullptr;  ///< non-null when mBlock is a native bitmap's

@@ -1,5 +1,7 @@
 // Where the rows of a layer lie, and who owns them.
+#include <algorithm>
 #include <numeric>
+#include <set>
 
 #include "framewright/frame/frame_limit.h"
 #include "kinds.h"
@@ -80,6 +82,31 @@ TEST(Storage, APictureFromTheBottomUpHasNegativeRowBytes) {
     EXPECT_EQ(layer->GetRow(7), block.At(0, 0));
 }
 
+TEST(Storage, RowBytesMustHoldARow_OfEitherSign) {
+    std::vector<std::uint8_t> block(4096);
+    auto const errorOf = [&]<class Record>(Record, std::int32_t columns, void* base, long rowBytes) {
+        auto const layer = StRef<PlainLayer<Record>>::Adopt(PlainLayer<Record>::New());
+        long const code = ThrownBy([&] {
+            layer->IImagerLayer({0, 0}, {3, columns}, false, base, rowBytes, nullptr);
+        });
+        EXPECT_EQ(layer->GetSize(), code ? (StPoint{0, 0}) : (StPoint{3, columns}));
+        if (!code) layer->Erase();
+        return code;
+    };
+    for (void* const base : {static_cast<void*>(nullptr), static_cast<void*>(block.data() + 2048)}) {
+        EXPECT_EQ(errorOf(StRGBA32Pixel{}, 5, base, 19), -108);
+        EXPECT_EQ(errorOf(StRGBA32Pixel{}, 5, base, 20), 0);
+        EXPECT_EQ(errorOf(StRGB24Pixel{}, 5, base, 14), -108);
+        EXPECT_EQ(errorOf(StRGB24Pixel{}, 5, base, 15), 0) << "rows need no padding";
+        EXPECT_EQ(errorOf(StGray4Pixel{}, 5, base, 2), -108);
+        EXPECT_EQ(errorOf(StGray4Pixel{}, 5, base, 3), 0);
+        EXPECT_EQ(errorOf(StBlackWhitePixel{}, 33, base, 4), -108);
+        EXPECT_EQ(errorOf(StBlackWhitePixel{}, 33, base, 5), 0);
+    }
+    EXPECT_EQ(errorOf(StRGBA32Pixel{}, 5, block.data() + 2048, -19), -108);
+    EXPECT_EQ(errorOf(StRGBA32Pixel{}, 5, block.data() + 2048, -20), 0);
+}
+
 TEST(Storage, TopLeftOfAnOwnedBlockMovesNothing) {
     auto layer = StRef<Gray>::Adopt(Gray::New());
     layer->IImagerLayer({5, 5}, {2, 8}, false, nullptr, 0, nullptr);
@@ -105,6 +132,39 @@ TEST(Storage, AParentIsKeptAndContiguous) {
     }
     EXPECT_EQ(parent->ReferenceCount(), 1);
     EXPECT_EQ(parent->forced, parent->released);
+}
+
+TEST(Storage, ANewParentTakesThePlaceOfTheOneBefore) {
+    auto const first = Spy<StGray8Pixel>::Make({4, 16}), second = Spy<StGray8Pixel>::Make({4, 16});
+    {
+        auto layer = StRef<Gray>::Adopt(Gray::New());
+        auto const lookInto = [&](Spy<StGray8Pixel>* parent) {
+            layer->IImagerLayer({0, 0}, {2, 2}, false, parent->Gray::GetRow(0), 16, parent);
+        };
+        lookInto(first.Get());
+        lookInto(second.Get());
+        EXPECT_EQ(layer->GetParent(), second.Get());
+        EXPECT_EQ(first->ReferenceCount(), 1);
+        EXPECT_EQ(first->forced, 1);
+        EXPECT_EQ(first->released, 1);
+        EXPECT_EQ(second->forced - second->released, 1);
+        lookInto(second.Get());
+        EXPECT_EQ(second->ReferenceCount(), 2);
+        EXPECT_EQ(second->forced - second->released, 1) << "one layer, one claim";
+    }
+    EXPECT_EQ(second->ReferenceCount(), 1);
+    EXPECT_EQ(second->forced, second->released);
+}
+
+TEST(Storage, AParentThatOnlyItsLayerHolds_OutlivesANewStart) {
+    auto layer = StRef<Gray>::Adopt(Gray::New());
+    {
+        auto const parent = Spy<StGray8Pixel>::Make({4, 16});
+        layer->IImagerLayer({0, 0}, {2, 2}, false, parent->Gray::GetRow(0), 16, parent.Get());
+    }
+    layer->IImagerLayer({0, 0}, {2, 2}, false, layer->GetRow(0), 16, layer->GetParent());
+    EXPECT_EQ(layer->GetParent()->ReferenceCount(), 1);
+    layer->Erase();
 }
 
 // Cloning.
@@ -303,6 +363,31 @@ TEST(Storage, NativeBitmapsAreBlocksOfRows) {
         EXPECT_TRUE(Same(Shot(*native), Shot(*clone))) << kind.name;
         clone->Resize({7, 2}, StImageInterpolationMethod::kNone);
         FillRandom(*clone, kind, 2);
+    }
+}
+
+/// The largest allocation since it was last set to 0.
+std::size_t gLargest = 0;
+
+TEST(Storage, NativeBitmapsAreForFiveRecords) {
+    std::set<unsigned long> const native{SrCode("ColB"), SrCode("RG32"), SrCode("RG24"), SrCode("RG15"),
+                                         SrCode("Map8")};
+    for (StKind const& kind : Kinds()) {
+        FrameRef const prototype = kind.make({1, 1});
+        auto const blockOf = [&](bool nativeBitmap) {
+            gLargest = 0;
+            SrSetAllocationGate([](std::size_t size) {
+                gLargest = std::max(gLargest, size);
+                return true;
+            });
+            FrameRef const frame = FrameRef::Adopt(prototype->CloneAtNewSize({40, 999}, false, nativeBitmap));
+            SrSetAllocationGate(nullptr);
+            return gLargest;
+        };
+        auto const rows = static_cast<std::size_t>(40 * ((999 * kind.bits + 31) / 32 * 4));
+        EXPECT_EQ(blockOf(false), rows) << kind.name;
+        // A bitmap keeps its size before its rows, in as many bytes as keep them aligned.
+        EXPECT_EQ(blockOf(true), rows + (native.count(kind.id) ? 16 : 0)) << kind.name;
     }
 }
 
