@@ -4,8 +4,6 @@
 #include <cstdint>
 #include <cstring>
 
-#include "framewright/thornmere/error.h"
-
 namespace frame {
 
 CopyRoad ChooseCopyRoad(SmImagerFrame& source, SmImagerFrame& destination, StRect const& from,
@@ -25,12 +23,15 @@ static std::int32_t ClipEnd(std::int32_t start, std::int32_t end, std::int32_t s
     return static_cast<std::int32_t>(past ? std::int64_t{start} + limit - to : last);
 }
 
+bool MeetsFrames(StPoint const& sourceSize, StPoint const& destinationSize, StRect const& from,
+                 StPoint const& to) {
+    return to.horizontal <= destinationSize.horizontal && to.vertical <= destinationSize.vertical &&
+           sourceSize.horizontal > from.left && sourceSize.vertical > from.top;
+}
+
 bool ClipCopy(StPoint const& sourceSize, StPoint const& destinationSize, StRect const& from,
               StPoint const& to, StRect& clipped) {
-    if (to.horizontal > destinationSize.horizontal || to.vertical > destinationSize.vertical ||
-        sourceSize.horizontal <= from.left || sourceSize.vertical <= from.top) {
-        return false;
-    }
+    if (!MeetsFrames(sourceSize, destinationSize, from, to)) return false;
     clipped = from;
     clipped.right =
         ClipEnd(from.left, from.right, sourceSize.horizontal, to.horizontal, destinationSize.horizontal);
@@ -54,8 +55,6 @@ bool Disjoint(void const* a, void const* b, std::size_t bytes) {
 }
 
 void CopyUpward(void* destination, void const* source, std::size_t bytes) {
-    SrThrowIfNIL(destination);
-    SrThrowIfNIL(source);
     if (Disjoint(destination, source, bytes)) {
         std::memcpy(destination, source, bytes);
         return;

@@ -23,9 +23,13 @@ inline bool OnePixelType(SmImagerFrame& source, SmImagerFrame& destination) {
 CopyRoad ChooseCopyRoad(SmImagerFrame& source, SmImagerFrame& destination, StRect const& from,
                         StPoint const& to);
 
+/// False when a copy of `from` to `to` misses one of the frames altogether. A rectangle that only touches the
+/// destination's end does not.
+bool MeetsFrames(StPoint const& sourceSize, StPoint const& destinationSize, StRect const& from,
+                 StPoint const& to);
+
 /// What is left of `from` when its right and bottom are cut to the source and, placed at `to`, to the
-/// destination. False when the two frames are missed altogether. A rectangle that only touches the
-/// destination's end is not missed, and empty.
+/// destination. False when a frame is missed (MeetsFrames); what only touches an end is empty.
 bool ClipCopy(StPoint const& sourceSize, StPoint const& destinationSize, StRect const& from,
               StPoint const& to, StRect& clipped);
 
@@ -33,7 +37,7 @@ bool ClipCopy(StPoint const& sourceSize, StPoint const& destinationSize, StRect 
 StRect PlacedAt(StRect const& from, StPoint const& to);
 
 /// Copies bytes in steps of eight from low to high addresses. So bytes may move down within a row, and what
-/// moves up over itself repeats; where nothing overlaps it is a memcpy. -108 when either address is null.
+/// moves up over itself repeats; where nothing overlaps it is a memcpy.
 void CopyUpward(void* destination, void const* source, std::size_t bytes);
 
 /// True when the two blocks share no byte.

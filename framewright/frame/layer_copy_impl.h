@@ -77,24 +77,24 @@ template <class Pixel, class Spool>
 bool SmImagerLayer<Pixel, Spool>::MergeRect(SmImagerFrame* source, StRect const& from, StPoint const& to) {
     this->mUpdated = true;
     this->EnsureScreenSafe(frame::PlacedAt(from, to));
-    bool const onePixelType = frame::OnePixelType(*source, *this);
+    long const width = long{from.right} - from.left;
     long row = to.vertical;
-    for (long y = from.top; y < from.bottom; ++y, ++row) {
-        if (onePixelType) {
+    if (frame::OnePixelType(*source, *this)) {
+        for (long y = from.top; y < from.bottom; ++y, ++row) {
             void const* const sourceRow = source->GetRow(y);
-            frame::MergeRow<Pixel>(Row(row), to.horizontal, sourceRow, from.left,
-                                   long{from.right} - from.left);
-            continue;
+            frame::MergeRow<Pixel>(Row(row), to.horizontal, sourceRow, from.left, width);
         }
-        long column = to.horizontal;
-        for (long x = from.left; x < from.right; ++x, ++column) {
-            StRGBA32Pixel const over = source->GetRGBAPixelAt(x, y);
-            StRGBA32Pixel color = this->GetRGBAPixelAt(column, row);
+        // This way ends without ReleaseScreenSafe; a frame that counts brackets relies on it.
+        return false;
+    }
+    for (long y = from.top; y < from.bottom; ++y, ++row) {
+        for (long i = 0; i < width; ++i) {
+            StRGBA32Pixel const over = source->GetRGBAPixelAt(from.left + i, y);
+            StRGBA32Pixel color = this->GetRGBAPixelAt(to.horizontal + i, row);
             color.Merge(over);
-            this->PutPixelAt(column, row, color);
+            this->PutPixelAt(to.horizontal + i, row, color);
         }
     }
-    // The way between like pixels ends without this; a frame that counts brackets relies on it.
-    if (!onePixelType) this->ReleaseScreenSafe();
+    this->ReleaseScreenSafe();
     return false;
 }

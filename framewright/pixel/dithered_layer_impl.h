@@ -66,14 +66,13 @@ bool SmImagerDitheredLayer<Pixel, Spool>::BlitRect(SmImagerFrame* source, StRect
     if (source == this) return Layer::BlitRect(source, from, to);
 
     StPoint const sourceSize = source->GetSize(), size = this->GetSize();
-    StRect clipped{};
-    if (!frame::ClipCopy(sourceSize, size, from, to, clipped)) return false;
+    if (!frame::MeetsFrames(sourceSize, size, from, to)) return false;
 
     unsigned long const dithering = this->GetDithering();
     bool const diffuse = dithering == SrCode("BIDI");
     if (!diffuse && dithering != 0) return false;
     this->SetUpdated(true);
-    pixel::StBlitPart const part = pixel::PartWithin(clipped, to, sourceSize, size);
+    pixel::StBlitPart const part = pixel::PartWithin(from, to, sourceSize, size);
     return diffuse ? DitheredBlit(source, part.from, part.to)
                    : this->DissimilarBlit(source, part.from, part.to);
 }

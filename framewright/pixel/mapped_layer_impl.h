@@ -25,9 +25,11 @@ constexpr std::uint32_t kMappedLayerMark = SrCode("Mapd");
 constexpr std::uint8_t kMappedLayerVersion = 1;
 
 /// How positions along an axis of a stretched copy fall into the source: first pixel on first, last on last.
-class ScStretchAxis {
+/// Unlike frame::ScStretchAxis, which keeps a scale, this multiplies before it divides, so that a last pixel
+/// falls exactly on the last.
+class ScExactStretchAxis {
   public:
-    ScStretchAxis(long fromStart, long fromEnd, long toStart, long toEnd)
+    ScExactStretchAxis(long fromStart, long fromEnd, long toStart, long toEnd)
         : mFromStart(static_cast<float>(fromStart)),
           mToStart(toStart),
           mFromSteps(static_cast<float>(fromEnd - fromStart - 1)),
@@ -327,8 +329,8 @@ bool SmImagerMappedLayer<Pixel, Spool>::StretchBlit(SmImagerFrame* source, StRec
     this->EnsureScreenSafe(to);
     std::unique_ptr<ScSmartPixel> const smart(source->NewSmartPixel());
     StPoint const size = SrHasPixels(source->GetSize()) ? this->GetSize() : StPoint{0, 0};
-    pixel::ScStretchAxis const rows(from.top, from.bottom, to.top, to.bottom);
-    pixel::ScStretchAxis const columns(from.left, from.right, to.left, to.right);
+    pixel::ScExactStretchAxis const rows(from.top, from.bottom, to.top, to.bottom);
+    pixel::ScExactStretchAxis const columns(from.left, from.right, to.left, to.right);
     for (long y = std::max(to.top, 0); y < std::min(to.bottom, size.vertical); ++y) {
         for (long x = std::max(to.left, 0); x < std::min(to.right, size.horizontal); ++x) {
             source->GetFractionalSmartPixel(columns(x), rows(y), smart.get());
