@@ -17,8 +17,10 @@ struct FRAMEWRIGHT_EXPORT StRGB32Pixel {
     SR_LAYER_PIXEL_RECORD(StRGB32Pixel);
 
     /// The plain average of both colours; the filler stays.
-    void Merge(StRGB32Pixel other);
-    void Blend(StRGB32Pixel const& other, float t);
+    void Merge(StRGB32Pixel other) { pixel::CombineColors(*this, other, pixel::Average); }
+    void Blend(StRGB32Pixel const& other, float t) {
+        pixel::CombineColors(*this, other, pixel::ScByteBlend(t));
+    }
     void ConvertToRGBAFloat(StRGBAFloatPixel& out) const { out = pixel::OpaqueByteFloats(GetRGBA32()); }
     void ConvertFromRGBAFloat(StRGBAFloatPixel const& in) { SetRGBA32(pixel::ColorBytes(in)); }
     void ConvertToColorFloats(StColorFloats& out) const { out = pixel::ByteFloats(GetRGBA32()); }
@@ -30,10 +32,10 @@ struct FRAMEWRIGHT_EXPORT StRGB32Pixel {
     void PutToStream(SmStream& stream) const;
 
     StRGBA32Pixel GetRGBA32() const { return {blue, green, red, 255}; }
-    void SetRGBA32(StRGBA32Pixel color);
+    void SetRGBA32(StRGBA32Pixel color) { pixel::TakeColors(*this, color); }
     void SetFloat(float value) { blue = green = red = pixel::ToByte(value); }
     void SetColorFloats(StColorFloats const& color) { SetRGBA32(pixel::OpaqueBytes(color)); }
-    void Invert();
+    void Invert() { pixel::ComplementColors(*this, 255); }
 };
 
 /// Three bytes without alignment: blue, green, red.
@@ -47,8 +49,10 @@ struct FRAMEWRIGHT_EXPORT StRGB24Pixel {
 
     SR_LAYER_PIXEL_RECORD(StRGB24Pixel);
 
-    void Merge(StRGB24Pixel other);
-    void Blend(StRGB24Pixel const& other, float t);
+    void Merge(StRGB24Pixel other) { pixel::CombineColors(*this, other, pixel::Average); }
+    void Blend(StRGB24Pixel const& other, float t) {
+        pixel::CombineColors(*this, other, pixel::ScByteBlend(t));
+    }
     void ConvertToRGBAFloat(StRGBAFloatPixel& out) const { out = pixel::OpaqueByteFloats(GetRGBA32()); }
     void ConvertFromRGBAFloat(StRGBAFloatPixel const& in) { SetRGBA32(pixel::ColorBytes(in)); }
     void ConvertToColorFloats(StColorFloats& out) const { out = pixel::ByteFloats(GetRGBA32()); }
@@ -60,10 +64,10 @@ struct FRAMEWRIGHT_EXPORT StRGB24Pixel {
     void PutToStream(SmStream& stream) const;
 
     StRGBA32Pixel GetRGBA32() const { return {blue, green, red, 255}; }
-    void SetRGBA32(StRGBA32Pixel color);
+    void SetRGBA32(StRGBA32Pixel color) { pixel::TakeColors(*this, color); }
     void SetFloat(float value) { blue = green = red = pixel::ToByte(value); }
     void SetColorFloats(StColorFloats const& color) { SetRGBA32(pixel::OpaqueBytes(color)); }
-    void Invert();
+    void Invert() { pixel::ComplementColors(*this, 255); }
 };
 static_assert(sizeof(StRGB24Pixel) == 3);
 
@@ -113,36 +117,6 @@ struct FRAMEWRIGHT_EXPORT StRGB15Pixel {
     }
 };
 static_assert(sizeof(StRGB15Pixel) == 2);
-
-inline void StRGB32Pixel::Merge(StRGB32Pixel other) {
-    pixel::CombineColors(*this, other, pixel::Average);
-}
-inline void StRGB32Pixel::Blend(StRGB32Pixel const& other, float t) {
-    pixel::CombineColors(*this, other, pixel::ScByteBlend(t));
-}
-inline void StRGB32Pixel::SetRGBA32(StRGBA32Pixel color) {
-    red = color.red;
-    green = color.green;
-    blue = color.blue;
-}
-inline void StRGB32Pixel::Invert() {
-    pixel::ComplementColors(*this, 255);
-}
-
-inline void StRGB24Pixel::Merge(StRGB24Pixel other) {
-    pixel::CombineColors(*this, other, pixel::Average);
-}
-inline void StRGB24Pixel::Blend(StRGB24Pixel const& other, float t) {
-    pixel::CombineColors(*this, other, pixel::ScByteBlend(t));
-}
-inline void StRGB24Pixel::SetRGBA32(StRGBA32Pixel color) {
-    red = color.red;
-    green = color.green;
-    blue = color.blue;
-}
-inline void StRGB24Pixel::Invert() {
-    pixel::ComplementColors(*this, 255);
-}
 
 inline void StRGB15Pixel::Merge(StRGB15Pixel other) {
     SetColor(pixel::Average(red, other.red), pixel::Average(green, other.green),

@@ -1,6 +1,9 @@
 // The arithmetic that all pixel records share: scales, truncations, expansions, the weights of Blend. What
 // only one kind of record needs stands beside that record.
 //
+// Internal to the library, and installed only because the records' inline members are made of it: a host uses
+// the records.
+//
 // Float to integer truncates toward zero and keeps the low bits; nothing rounds to nearest and nothing is
 // clamped, so 1.5 becomes the byte 126. Sums and products with a constant run in double, and the result is
 // rounded once, when it is stored as a float. (A byte or word times a float constant is exact in double, so
@@ -134,6 +137,13 @@ constexpr void CombineColors(Color& color, Color const& other, Rule const& rule)
     color.red = static_cast<Channel>(rule(color.red, other.red));
     color.green = static_cast<Channel>(rule(color.green, other.green));
     color.blue = static_cast<Channel>(rule(color.blue, other.blue));
+}
+/// Red, green and blue become those of a colour of the same channels. A fourth field stays.
+template <class Color, class Other>
+constexpr void TakeColors(Color& color, Other const& other) {
+    color.red = other.red;
+    color.green = other.green;
+    color.blue = other.blue;
 }
 /// Red, green and blue become the rest to `full`. A fourth field stays.
 template <class Color, class Full>

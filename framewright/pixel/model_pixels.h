@@ -4,6 +4,22 @@
 
 #include "framewright/pixel/color_models.h"
 
+namespace pixel {
+
+/// The colour of a record of another model; what its conversion leaves alone is 0.
+template <class Record>
+StRGBA32Pixel ModelBytes(Record const& record) {
+    StRGBA32Pixel color{};
+    SrConvertPixel(record, color);
+    return color;
+}
+template <class Record>
+float ModelFloat(Record const& record) {
+    return static_cast<float>(IntegerSumOf(ModelBytes(record)) * kThreeBytesScale);
+}
+
+}  // namespace pixel
+
 /// Hue, saturation, lightness, alpha.
 ///
 ///     byte   0 1   2           3          4
@@ -17,10 +33,10 @@ struct FRAMEWRIGHT_EXPORT StHSLAPixel {
 
     SR_PIXEL_RECORD(StHSLAPixel);
 
-    void ConvertToColorFloats(StColorFloats& out) const;
-    float ConvertToFloat() const;
+    void ConvertToColorFloats(StColorFloats& out) const { out = pixel::ByteFloats(GetRGBA32()); }
+    float ConvertToFloat() const { return pixel::ModelFloat(*this); }
 
-    StRGBA32Pixel GetRGBA32() const;
+    StRGBA32Pixel GetRGBA32() const { return pixel::ModelBytes(*this); }
     void SetRGBA32(StRGBA32Pixel color) { SrConvertPixel(color, *this); }
     /// The grey goes into alpha too.
     void SetFloat(float value) { SetRGBA32(pixel::SameBytes(pixel::ToByte(value))); }
@@ -39,10 +55,10 @@ struct FRAMEWRIGHT_EXPORT StHSVAPixel {
 
     SR_PIXEL_RECORD(StHSVAPixel);
 
-    void ConvertToColorFloats(StColorFloats& out) const;
-    float ConvertToFloat() const;
+    void ConvertToColorFloats(StColorFloats& out) const { out = pixel::ByteFloats(GetRGBA32()); }
+    float ConvertToFloat() const { return pixel::ModelFloat(*this); }
 
-    StRGBA32Pixel GetRGBA32() const;
+    StRGBA32Pixel GetRGBA32() const { return pixel::ModelBytes(*this); }
     void SetRGBA32(StRGBA32Pixel color) { SrConvertPixel(color, *this); }
     void SetFloat(float level) { SetRGBA32(pixel::SameBytes(pixel::ToByte(level))); }
     void SetColorFloats(StColorFloats const& color) { SetRGBA32(pixel::OpaqueBytes(color)); }
@@ -59,57 +75,11 @@ struct FRAMEWRIGHT_EXPORT StYIQAPixel {
 
     SR_PIXEL_RECORD(StYIQAPixel);
 
-    void ConvertToColorFloats(StColorFloats& out) const;
-    float ConvertToFloat() const;
+    void ConvertToColorFloats(StColorFloats& out) const { out = pixel::ByteFloats(GetRGBA32()); }
+    float ConvertToFloat() const { return pixel::ModelFloat(*this); }
 
-    StRGBA32Pixel GetRGBA32() const;
+    StRGBA32Pixel GetRGBA32() const { return pixel::ModelBytes(*this); }
     void SetRGBA32(StRGBA32Pixel color) { SrConvertPixel(color, *this); }
     void SetFloat(float value) { SetRGBA32(pixel::SameBytes(pixel::ToByte(value))); }
     void SetColorFloats(StColorFloats const& color) { SetRGBA32(pixel::OpaqueBytes(color)); }
 };
-
-namespace pixel {
-
-/// The colour of a record of another model; what its conversion leaves alone is 0.
-template <class Record>
-StRGBA32Pixel ModelBytes(Record const& record) {
-    StRGBA32Pixel color{};
-    SrConvertPixel(record, color);
-    return color;
-}
-template <class Record>
-float ModelFloat(Record const& record) {
-    return static_cast<float>(IntegerSumOf(ModelBytes(record)) * kThreeBytesScale);
-}
-
-}  // namespace pixel
-
-inline void StHSLAPixel::ConvertToColorFloats(StColorFloats& out) const {
-    out = pixel::ByteFloats(GetRGBA32());
-}
-inline float StHSLAPixel::ConvertToFloat() const {
-    return pixel::ModelFloat(*this);
-}
-inline StRGBA32Pixel StHSLAPixel::GetRGBA32() const {
-    return pixel::ModelBytes(*this);
-}
-
-inline void StHSVAPixel::ConvertToColorFloats(StColorFloats& out) const {
-    out = pixel::ByteFloats(GetRGBA32());
-}
-inline float StHSVAPixel::ConvertToFloat() const {
-    return pixel::ModelFloat(*this);
-}
-inline StRGBA32Pixel StHSVAPixel::GetRGBA32() const {
-    return pixel::ModelBytes(*this);
-}
-
-inline void StYIQAPixel::ConvertToColorFloats(StColorFloats& out) const {
-    out = pixel::ByteFloats(GetRGBA32());
-}
-inline float StYIQAPixel::ConvertToFloat() const {
-    return pixel::ModelFloat(*this);
-}
-inline StRGBA32Pixel StYIQAPixel::GetRGBA32() const {
-    return pixel::ModelBytes(*this);
-}

@@ -4,6 +4,9 @@
 //     4 bits   x0 x0 x0 x0 x1 x1 x1 x1
 //     2 bits   x0 x0 x1 x1 x2 x2 x3 x3
 //     1 bit    x0 x1 x2 x3 x4 x5 x6 x7
+//
+// Internal to the library, and installed only because the records' inline members are made of it: a host uses
+// PlacePixelInRow and GetPixelFromRow of the records, or pixel/row_access.h.
 #pragma once
 
 #include <cstdint>
