@@ -24,7 +24,10 @@
 
 namespace frame {
 
+struct StPlace;
 struct StStretchMap;
+template <class Value>
+struct StCorners;
 
 /// One string for all, so that names can be compared by address too.
 inline constexpr char kLayerClassName[] = "SmImagerLayer<class template>";
@@ -189,9 +192,9 @@ class FRAMEWRIGHT_EXPORT SmImagerLayer : public SmManaged<SmImagerLayer<Pixel, S
     /// One row of StretchBlit between like pixels.
     void StretchRow(SmImagerFrame* source, StPoint const& sourceSize, frame::StStretchMap const& map,
                     StRect const& to, long y);
-    /// GetPixelAt by value, by the operation of the class that knows this pixel's colours.
+    /// The pixels around a place, as the class that knows their colours converts them.
     template <class Value>
-    Value ConvertedPixelAt(long x, long y);
+    frame::StCorners<Value> CornersAs(frame::StPlace const& place);
     /// The raw road of BlitRect.
     void CopyRows(SmImagerFrame* source, StRect const& from, StPoint const& to);
     void BindRows(void* start) { mSpooler.BindRows(start, RowDistance()); }

@@ -1,6 +1,7 @@
 // SmImagerLayer: reads between pixels.
 #pragma once
 
+#include "framewright/frame/corners.h"
 #include "framewright/frame/layer.h"
 #include "framewright/frame/layer_pixels_impl.h"
 #include "framewright/frame/pixel_mixing.h"
@@ -14,33 +15,6 @@ namespace frame {
 template <class Record>
 concept UnblendedPixel = pixel::MappedPixel<Record> || IntegerDepthPixel<Record>;
 
-/// The four pixels around a place: a and b above, c and d below, b and d to the right.
-template <class Value>
-struct StCorners {
-    Value a, b, c, d;
-
-    /// Mixes them: across, then down.
-    Value Blend(StPlace const& place) const {
-        Value upper = a;
-        Value lower = c;
-        upper.Blend(b, place.across);
-        lower.Blend(d, place.across);
-        upper.Blend(lower, place.down);
-        return upper;
-    }
-};
-
-/// The corners as `Value`, row by row: each row may drive the other out of memory.
-template <class Value, class Read>
-StCorners<Value> ReadCorners(StPlace const& place, Read const& read) {
-    StCorners<Value> corners;
-    corners.a = read(place.x0, place.y0);
-    corners.b = read(place.x1, place.y0);
-    corners.c = read(place.x0, place.y1);
-    corners.d = read(place.x1, place.y1);
-    return corners;
-}
-
 }  // namespace frame
 
 template <class Pixel, class Spool>
@@ -51,9 +25,7 @@ Pixel SmImagerLayer<Pixel, Spool>::GetFractionalPixel(float x, float y) {
                                  frame::NearestPixel(y, this->mSize.vertical));
     } else {
         frame::StPlace const place = frame::PlaceOfPixel(x, y, this->mSize);
-        return frame::ReadCorners<Pixel>(
-                   place, [this](long column, long row) { return GetMatchedPixelAt(column, row); })
-            .Blend(place);
+        return frame::BlendCorners(CornersAs<Pixel>(place), place);
     }
 }
 
@@ -65,15 +37,21 @@ void SmImagerLayer<Pixel, Spool>::GetFractionalSmartPixel(float x, float y, ScSm
 
 template <class Pixel, class Spool>
 template <class Value>
-Value SmImagerLayer<Pixel, Spool>::ConvertedPixelAt(long x, long y) {
-    Value value{};
+frame::StCorners<Value> SmImagerLayer<Pixel, Spool>::CornersAs(frame::StPlace const& place) {
     if constexpr (pixel::MappedPixel<Pixel>) {
         // Through the operation that classes with a map replace.
-        this->GetPixelAt(x, y, value);
+        return frame::ReadCorners<Value>(
+            place, [](long y) { return y; },
+            [this](long y, long x) {
+                Value value{};
+                this->GetPixelAt(x, y, value);
+                return value;
+            });
     } else {
-        SmImagerLayer::GetPixelAt(x, y, value);
+        return frame::ReadCorners<Value>(
+            place, [this](long y) { return Row(y); },
+            [](void const* row, long x) { return frame::PixelAs<Value>(frame::PixelOf<Pixel>(row, x)); });
     }
-    return value;
 }
 
 template <class Pixel, class Spool>
@@ -81,9 +59,7 @@ void SmImagerLayer<Pixel, Spool>::GetFractionalUVPixel(float u, float v, StRGBA3
                                                        StTilingStyles const& tiling, float) {
     if (!SrHasPixels(this->mSize)) return;
     frame::StPlace const place = frame::PlaceOfTexture(u, v, this->mSize, tiling);
-    pixel = frame::ReadCorners<StRGBA32Pixel>(place, [this](long x, long y) {
-                return ConvertedPixelAt<StRGBA32Pixel>(x, y);
-            }).Blend(place);
+    pixel = frame::BlendCorners(CornersAs<StRGBA32Pixel>(place), place);
 }
 
 template <class Pixel, class Spool>
@@ -91,8 +67,7 @@ void SmImagerLayer<Pixel, Spool>::GetFractionalUVPixel(float u, float v, float& 
                                                        StTilingStyles const& tiling, float) {
     if (!SrHasPixels(this->mSize)) return;
     frame::StPlace const place = frame::PlaceOfTexture(u, v, this->mSize, tiling);
-    auto const corners =
-        frame::ReadCorners<float>(place, [this](long x, long y) { return ConvertedPixelAt<float>(x, y); });
+    auto const corners = CornersAs<float>(place);
     intensity = frame::MixIntensities(corners.a, corners.b, corners.c, corners.d, place);
 }
 
@@ -101,9 +76,7 @@ void SmImagerLayer<Pixel, Spool>::GetFractionalUVPixel(float u, float v, StColor
                                                        StTilingStyles const& tiling, float) {
     if (!SrHasPixels(this->mSize)) return;
     frame::StPlace const place = frame::PlaceOfColorTexture(u, v, this->mSize, tiling);
-    pixel = frame::ReadCorners<StColorFloats>(place, [this](long x, long y) {
-                return ConvertedPixelAt<StColorFloats>(x, y);
-            }).Blend(place);
+    pixel = frame::BlendCorners(CornersAs<StColorFloats>(place), place);
 }
 
 template <class Pixel, class Spool>
@@ -115,8 +88,10 @@ void SmImagerLayer<Pixel, Spool>::GetUVDerivatives(float u, float v, float& du, 
         auto const x = static_cast<float>(place.horizontal + right);
         auto const y = static_cast<float>(place.vertical + below);
         if constexpr (pixel::MappedPixel<Pixel>) {
-            return ConvertedPixelAt<float>(frame::NearestPixel(x, this->mSize.horizontal),
-                                           frame::NearestPixel(y, this->mSize.vertical));
+            float value = 0.0f;
+            this->GetPixelAt(frame::NearestPixel(x, this->mSize.horizontal),
+                             frame::NearestPixel(y, this->mSize.vertical), value);
+            return value;
         } else {
             return pixel::GetFloat(GetFractionalPixel(x, y));
         }

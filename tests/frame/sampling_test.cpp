@@ -1,6 +1,7 @@
 #include <cmath>
 #include <limits>
 
+#include "framewright/thornmere/memory.h"
 #include "kinds.h"
 
 using namespace testing_frames;
@@ -363,6 +364,49 @@ TEST(Texture, IndicesWithoutAMap_LeaveWhatTheyAreGiven) {
     FillRandom(*layer, KindOfID(SrCode("Map8")), 1);
     EXPECT_EQ(layer->GetFractionalPixel(2.75f, 1.5f).index, layer->GetMatchedPixelAt(2, 1).index);
     EXPECT_EQ(layer->GetFractionalPixel(-2.75f, 99.0f).index, layer->GetMatchedPixelAt(0, 3).index);
+}
+
+int gAllocations = 0;
+
+TEST(Texture, ReadsAllocateNothing) {
+    auto const layer = RandomRGBA({8, 8});
+    gAllocations = 0;
+    SrSetAllocationGate([](std::size_t) {
+        ++gAllocations;
+        return true;
+    });
+    StRGBA32Pixel pixel{};
+    StColorFloats color{};
+    float intensity = 0, du = 0, dv = 0;
+    layer->GetFractionalPixel(2.5f, 3.5f);
+    layer->GetFractionalUVPixel(0.3f, 0.7f, pixel, {1, 1}, 0);
+    layer->GetFractionalUVPixel(0.3f, 0.7f, color, {1, 1}, 0);
+    layer->GetFractionalUVPixel(0.3f, 0.7f, intensity, {1, 1}, 0);
+    layer->GetUVDerivatives(0.3f, 0.7f, du, dv, {1, 1}, 0);
+    SrSetAllocationGate(nullptr);
+    EXPECT_EQ(gAllocations, 0);
+}
+
+/// All weights there are, against the rule for one byte.
+TEST(Texture, FourBytesAtOnce_AreFourTimesOneByte) {
+    auto const layer = MakeLayer<StRGBA32Pixel>({2, 2});
+    std::mt19937 random(5);
+    for (int i = 0; i <= 256; ++i)
+        for (int j = 0; j <= 256; j += 5) {
+            std::array<StRGBA32Pixel, 4> corners;
+            for (StRGBA32Pixel& corner : corners) {
+                std::uint32_t const word =
+                    j % 3 == 0 ? static_cast<std::uint32_t>(random()) : (random() & 1 ? 0xFFFFFFFFu : 0u);
+                std::memcpy(&corner, &word, 4);
+            }
+            for (std::size_t n = 0; n < 4; ++n)
+                layer->PutMatchedPixelAt(static_cast<long>(n % 2), static_cast<long>(n / 2), corners[n]);
+            float const x = static_cast<float>(i) / 256, y = static_cast<float>(j) / 256;
+            if (x == 1.0f || y == 1.0f) continue;  // the next pixel
+            EXPECT_EQ(layer->GetFractionalPixel(x, y), MixFour(corners, x, y)) << x << ", " << y;
+        }
+    // Beyond 32 bits the fraction is clamped to 1, and both neighbours to the first pixel.
+    EXPECT_EQ(layer->GetFractionalPixel(1e10f, 1e10f), layer->GetMatchedPixelAt(0, 0));
 }
 
 TEST(Texture, AnEmptyFrameLeavesTheArguments) {

@@ -295,6 +295,42 @@ TYPED_TEST(MappedLayer, TextureFloats_StayFloatsAndDoNotGoBackThroughTheMap) {
     }
 }
 
+TYPED_TEST(MappedLayer, TextureBytesAndIntensities_TakeTheirCornersThroughTheMap) {
+    auto const layer = Mapped<TypeParam>(3, 3);
+    MapOf(layer.Get()).SetColor(0, Rgba(0, 0, 0));
+    MapOf(layer.Get()).SetColor(1, Rgba(255, 255, 255));
+    layer->PutMatchedPixelAt(1, 0, IndexPixel<TypeParam>(1));
+    layer->PutMatchedPixelAt(2, 0, IndexPixel<TypeParam>(1));
+    float const white = 765 * SkInverseTriByte();
+    struct {
+        float u, v;
+        StTilingStyles tiling;
+        int level;
+        float share;
+    } const rows[] = {
+        {0.25f, 1.0f, {0, 0}, 127, 0.5f},   // column 0.5: 255 * 128 / 256
+        {0.25f, 0.75f, {0, 0}, 63, 0.25f},  // and row 0.5: 127 * 128 / 256
+        {0.5f, 1.0f, {0, 0}, 255, 1.0f},    // column 1 itself
+        {0.5f, 1.0f, {1, 0}, 255, 1.0f},    // tiled there are three, half a step back: column 1
+        {0.25f, 1.0f, {1, 0}, 63, 0.25f},   // column 0.25
+    };
+    for (auto const& row : rows) {
+        StRGBA32Pixel color{};
+        layer->GetFractionalUVPixel(row.u, row.v, color, row.tiling, 0);
+        EXPECT_EQ(color.red, row.level) << row.u << ", " << row.v;
+        EXPECT_EQ(color.blue, row.level) << row.u << ", " << row.v;
+        float intensity = 0;
+        layer->GetFractionalUVPixel(row.u, row.v, intensity, row.tiling, 0);
+        EXPECT_TRUE(SameBits(intensity, row.share * white)) << row.u << ", " << row.v;
+    }
+    // Indices do not blend: gradients take the pixels at the truncated places, by their colours. Around (1,
+    // 0) these are black, white, black, white.
+    float du = 0, dv = 1;
+    layer->GetUVDerivatives(0.5f, 1.0f, du, dv, {0, 0}, 0);
+    EXPECT_TRUE(SameBits(du, static_cast<float>(2.0 * white * 3 * 0.5)));
+    EXPECT_EQ(dv, 0.0f);
+}
+
 TYPED_TEST(MappedLayer, NativeImageContext_IsCountedAsOnALayer) {
     auto const layer = Mapped<TypeParam>(1, 1);
     EXPECT_EQ(layer->GetNativeImageContext(), nullptr);
