@@ -59,8 +59,9 @@ SmImagerFrame* SmImagerLayer<Pixel, Spool>::MirrorLayer() {
     using Mirror = SmImagerLayer<Pixel, ScImagerNonSpool>;
     auto mirror = StRef<Mirror>::Adopt(Mirror::New());
     SrThrowIfNIL(mirror.Get());
-    mirror->IImagerLayer(this->mTopLeft, this->mSize, false, nullptr, 0, nullptr);
-    mirror->BlitRect(this, SrWholeRect(this->mSize), {0, 0});
+    StPoint const size = this->GetSize();  // a frame may show less than it stores
+    mirror->IImagerLayer(this->mTopLeft, size, false, nullptr, 0, nullptr);
+    mirror->BlitRect(this, SrWholeRect(size), {0, 0});
     return mirror.Release();
 }
 
