@@ -50,6 +50,7 @@
 
 #include "framewright/frame/frame.h"
 #include "framewright/frame/frame_limit.h"
+#include "framewright/frame/frame_stream.h"
 #include "framewright/frame/geometry.h"
 #include "framewright/frame/layer.h"
 #include "framewright/frame/layer_base.h"
@@ -61,11 +62,14 @@
 #include "framewright/spool/spool_manager.h"
 #include "framewright/spool/spool_preferences.h"
 
+#include "framewright/imagery/mip_chain.h"
+#include "framewright/imagery/mipmap.h"
 #include "framewright/imagery/stereo.h"
 #include "framewright/imagery/track.h"
 
 #include "framewright/media/bmp.h"
 #include "framewright/media/file_extension.h"
+#include "framewright/media/frame_section.h"
 #include "framewright/media/media.h"
 #include "framewright/media/media_errors.h"
 #include "framewright/media/media_location.h"

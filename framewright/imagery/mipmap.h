@@ -125,8 +125,9 @@ class FRAMEWRIGHT_EXPORT SmImagerMipmap : public SmManaged<SmImagerMipmap<Pixel,
     StMipLevel const& LevelAt(long level) const;
     /// The address of a row of the raster; -108 when it has no memory.
     void* ExistingRow(long row) const;
-    /// Two pixels of a row mixed.
-    Pixel MixInRow(long row, long x0, long x1, float across) const;
+    /// The pixels around a place of the raster, converted.
+    template <class Value>
+    frame::StCorners<Value> CornersAs(frame::StPlace const& place) const;
     void RebuildLevel(StMipLevel const& from, StMipLevel const& to);
     /// One mixed read of the levels that `filter` selects, each converted before they are mixed.
     template <class Value, class Convert, class Mix>
@@ -138,7 +139,9 @@ class FRAMEWRIGHT_EXPORT SmImagerMipmap : public SmManaged<SmImagerMipmap<Pixel,
 
 #define SR_ROW(Record)                                                             \
     extern template struct StClassFacts<SmImagerMipmap<Record, ScImagerNonSpool>>; \
-    extern template class SmImagerMipmap<Record, ScImagerNonSpool>;
+    extern template struct StClassFacts<SmImagerMipmap<Record, ScImagerSpool>>;    \
+    extern template class SmImagerMipmap<Record, ScImagerNonSpool>;                \
+    extern template class SmImagerMipmap<Record, ScImagerSpool>;
 FOR_EACH_MIPMAP_PIXEL(SR_ROW)
 #undef SR_ROW
 

@@ -2,16 +2,17 @@
 #pragma once
 
 #include <algorithm>
-#include <bit>
+#include <concepts>
+#include <cstddef>
 #include <cstring>
 #include <optional>
 
+#include "framewright/frame/corners.h"
 #include "framewright/frame/layer.h"
 #include "framewright/frame/row_lock.h"
 #include "framewright/frame/storage_choice.h"
 #include "framewright/imagery/mip_sampling.h"
 #include "framewright/imagery/mipmap.h"
-#include "framewright/pixel/pixel_ops.h"
 #include "framewright/thornmere/error.h"
 #include "framewright/thornmere/reference.h"
 
@@ -24,28 +25,56 @@ Pixel HalfWay(Pixel a, Pixel const& b) {
     return a;
 }
 
-/// The same: with weights of 128 / 256 a blend of bytes is their mean, rounded down. All four at once.
-inline StRGBA32Pixel HalfWay(StRGBA32Pixel a, StRGBA32Pixel const& b) {
-    auto const x = std::bit_cast<std::uint32_t>(a), y = std::bit_cast<std::uint32_t>(b);
-    return std::bit_cast<StRGBA32Pixel>((x & y) + (((x ^ y) & 0xFEFEFEFEu) >> 1));
+/// Four pixels of four bytes.
+using StFourColors = std::uint32_t __attribute__((vector_size(16)));
+
+inline StFourColors FourColorsAt(std::byte const* pixels) {
+    StFourColors colors;
+    std::memcpy(&colors, pixels, sizeof colors);
+    return colors;
 }
 
-template <class Pixel>
-Pixel PixelOf(void const* row, long x) {
-    Pixel pixel{};
-    pixel::LoadPixel(row, x, pixel);
-    return pixel;
+/// HalfWay of all bytes: with weights of 128 / 256 a blend is the mean, rounded down.
+inline StFourColors HalfWay(StFourColors a, StFourColors b) {
+    return (a & b) + (((a ^ b) & 0xFEFEFEFEu) >> 1);
+}
+
+/// Each of eight pixels in turn HalfWay to its neighbour.
+inline StFourColors HalfWayInPairs(std::byte const* pixels) {
+    StFourColors const first = FourColorsAt(pixels), second = FourColorsAt(pixels + sizeof first);
+    return HalfWay(__builtin_shufflevector(first, second, 0, 2, 4, 6),
+                   __builtin_shufflevector(first, second, 1, 3, 5, 7));
+}
+
+/// Does the first pixels of a row in blocks and returns how many: all but up to three. The addresses are
+/// those of the first pixels.
+inline long HalveInBlocks(std::byte* row, std::byte const* upper, std::byte const* lower, long columns) {
+    constexpr long kPixels = 4, kBytes = sizeof(StFourColors);
+    long const blocks = columns / kPixels;
+    for (long i = 0; i < blocks; ++i) {
+        StFourColors const halved =
+            HalfWay(HalfWayInPairs(upper + 2 * i * kBytes), HalfWayInPairs(lower + 2 * i * kBytes));
+        std::memcpy(row + i * kBytes, &halved, sizeof halved);
+    }
+    return blocks * kPixels;
 }
 
 /// One row of a level from the level before, which is `Wide` when it has more than one column and `High` when
 /// it has more than one row; `lower` is not read unless it is.
 template <class Pixel, bool Wide, bool High>
 void HalveRow(void* row, long left, void const* upper, void const* lower, long from, long columns) {
-    for (long x = 0; x < columns; ++x) {
+    long x = 0;
+    if constexpr (Wide && High && std::same_as<Pixel, StRGBA32Pixel>) {
+        constexpr long kBytes = sizeof(Pixel);
+        x = HalveInBlocks(static_cast<std::byte*>(row) + left * kBytes,
+                          static_cast<std::byte const*>(upper) + from * kBytes,
+                          static_cast<std::byte const*>(lower) + from * kBytes, columns);
+    }
+    for (; x < columns; ++x) {
         long const column = from + 2 * x;
         auto const across = [column](void const* source) {
-            Pixel const pixel = PixelOf<Pixel>(source, column);
-            if constexpr (Wide) return HalfWay(pixel, PixelOf<Pixel>(source, column + 1));
+            Pixel const pixel = frame::PixelOf<Pixel>(source, column);
+            if constexpr (Wide) return HalfWay(pixel, frame::PixelOf<Pixel>(source, column + 1));
             return pixel;
         };
         Pixel pixel = across(upper);
@@ -195,33 +224,25 @@ inline void* SmImagerMipmap<Pixel, Spool>::ExistingRow(long row) const {
 }
 
 template <class Pixel, class Spool>
-inline Pixel SmImagerMipmap<Pixel, Spool>::MixInRow(long row, long x0, long x1, float across) const {
-    void const* const pixels = ExistingRow(row);
-    Pixel pixel = imagery::PixelOf<Pixel>(pixels, x0);
-    pixel.Blend(imagery::PixelOf<Pixel>(pixels, x1), across);
-    return pixel;
+template <class Value>
+inline frame::StCorners<Value> SmImagerMipmap<Pixel, Spool>::CornersAs(frame::StPlace const& place) const {
+    return frame::ReadCorners<Value>(
+        place, [this](long y) { return ExistingRow(y); },
+        [](void const* row, long x) { return frame::PixelAs<Value>(frame::PixelOf<Pixel>(row, x)); });
 }
 
 template <class Pixel, class Spool>
 Pixel SmImagerMipmap<Pixel, Spool>::SampleLevel(float u, float v, long level, StTilingStyles const& tiling) {
     frame::StPlace const place = imagery::PlaceOfSample(LevelAt(level), u, v, tiling, this->mSize);
-    // The upper row is done with before the lower one is touched, which may drive it out of memory.
-    Pixel upper = MixInRow(place.y0, place.x0, place.x1, place.across);
-    upper.Blend(MixInRow(place.y1, place.x0, place.x1, place.across), place.down);
-    return upper;
+    return frame::BlendCorners(CornersAs<Pixel>(place), place);
 }
 
 template <class Pixel, class Spool>
 void SmImagerMipmap<Pixel, Spool>::LevelDerivatives(float u, float v, float& du, float& dv, long level,
                                                     StTilingStyles const& tiling) {
     auto const at = imagery::PlaceOfDerivatives(LevelAt(level), u, v, tiling, this->mSize);
-    auto const gray = [&](long x, long y) {
-        return pixel::GetFloat(imagery::PixelOf<Pixel>(ExistingRow(y), x));
-    };
-    frame::StPlace const& place = at.place;
-    float const g00 = gray(place.x0, place.y0), g01 = gray(place.x1, place.y0);
-    float const g10 = gray(place.x0, place.y1), g11 = gray(place.x1, place.y1);
-    imagery::MixGradient(g00, g01, g10, g11, at, du, dv);
+    auto const gray = CornersAs<float>(at.place);
+    imagery::MixGradient(gray.a, gray.b, gray.c, gray.d, at, du, dv);
 }
 
 template <class Pixel, class Spool>
@@ -257,7 +278,7 @@ void SmImagerMipmap<Pixel, Spool>::GetFractionalUVPixel(float u, float v, float&
                                                         StTilingStyles const& tiling, float filter) {
     intensity = Trilinear<float>(
         frame::ClampTexture(u), frame::ClampTexture(v), std::max(filter, 0.0f), tiling,
-        [](Pixel const& pixel) { return pixel::GetFloat(pixel); },
+        [](Pixel const& pixel) { return frame::PixelAs<float>(pixel); },
         [](float& first, float second, float fraction) {
             first = imagery::MixLevels(first, second, fraction);
         });
@@ -268,11 +289,7 @@ void SmImagerMipmap<Pixel, Spool>::GetFractionalUVPixel(float u, float v, StColo
                                                         StTilingStyles const& tiling, float filter) {
     pixel = Trilinear<StColorFloats>(
         frame::ClampTexture(u), frame::ClampTexture(v), std::max(filter, 0.0f), tiling,
-        [](Pixel const& sample) {
-            StColorFloats color{};
-            pixel::GetColorFloats(sample, color);
-            return color;
-        },
+        [](Pixel const& sample) { return frame::PixelAs<StColorFloats>(sample); },
         [](StColorFloats& first, StColorFloats const& second, float fraction) {
             first.Blend(second, fraction);
         });
@@ -295,4 +312,6 @@ void SmImagerMipmap<Pixel, Spool>::GetUVDerivatives(float u, float v, float& du,
 /// Compiles the mipmaps of a record; stands in one source file a record, see imagery/mipmaps/.
 #define SR_INSTANTIATE_MIPMAPS(Record)                                      \
     template struct StClassFacts<SmImagerMipmap<Record, ScImagerNonSpool>>; \
-    template class SmImagerMipmap<Record, ScImagerNonSpool>
+    template struct StClassFacts<SmImagerMipmap<Record, ScImagerSpool>>;    \
+    template class SmImagerMipmap<Record, ScImagerNonSpool>;                \
+    template class SmImagerMipmap<Record, ScImagerSpool>

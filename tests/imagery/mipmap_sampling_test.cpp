@@ -2,6 +2,7 @@
 #include <cmath>
 #include <limits>
 
+#include "framewright/thornmere/memory.h"
 #include "mipmaps.h"
 
 using namespace testing_frames;
@@ -307,6 +308,26 @@ TEST(MipmapReads, GetFilteredPixel_ClampsNothing) {
     Color clamped{};
     mipmap->GetFractionalUVPixel(1.25f, 0.5f, clamped, tiled, 0);
     EXPECT_NE(Word(clamped), Word(mipmap->GetFilteredPixel(1.25f, 0.5f, 0, tiled)));
+}
+
+int gAllocations = 0;
+
+TYPED_TEST(MipmapReads, AllocateNothing) {
+    auto const mipmap = RandomMipmap<TypeParam>({16, 16});
+    gAllocations = 0;
+    SrSetAllocationGate([](std::size_t) {
+        ++gAllocations;
+        return true;
+    });
+    Color color{};
+    StColorFloats floats{};
+    float intensity = 0, du = 0, dv = 0;
+    mipmap->GetFractionalUVPixel(0.3f, 0.7f, color, {1, 1}, 0.2f);
+    mipmap->GetFractionalUVPixel(0.3f, 0.7f, floats, {1, 1}, 0.2f);
+    mipmap->GetFractionalUVPixel(0.3f, 0.7f, intensity, {1, 1}, 0.2f);
+    mipmap->GetUVDerivatives(0.3f, 0.7f, du, dv, {1, 1}, 0.2f);
+    SrSetAllocationGate(nullptr);
+    EXPECT_EQ(gAllocations, 0);
 }
 
 TYPED_TEST(MipmapReads, AnyFloatIsSafe) {

@@ -283,6 +283,13 @@ TYPED_TEST(MipmapOf, Clone_HasAllLevels) {
     }
 }
 
+TEST(Mipmap, Mirror_IsAPlainLayerOfLevel0) {
+    auto const mipmap = RandomMipmap<Color>({4, 8});
+    auto const mirror = FrameRef::Adopt(mipmap->MirrorLayer());
+    EXPECT_EQ(mirror->GetClass(), PlainLayer<Color>::Class());
+    EXPECT_TRUE(Same(Shot(*mipmap), Shot(*mirror)));
+}
+
 TEST(Mipmap, Become_TakesTheLevelsOver) {
     auto const mipmap = RandomMipmap<Color>({8, 8});
     auto const other = StRef<SmImagerMipmap<Color, ScImagerNonSpool>>::Adopt(mipmap->Clone());

@@ -23,20 +23,20 @@ class Mipmap : public SmImagerMipmap<Record, Spool> {
     }
 };
 
-template <class Record>
-using MipmapRef = StRef<Mipmap<Record>>;
+template <class Record, class Spool = ScImagerNonSpool>
+using MipmapRef = StRef<Mipmap<Record, Spool>>;
 
-template <class Record>
-MipmapRef<Record> NewMipmap(StPoint const& size, float maximumFilter = 1.0f) {
-    auto mipmap = MipmapRef<Record>::Adopt(new Mipmap<Record>);
+template <class Record, class Spool = ScImagerNonSpool>
+MipmapRef<Record, Spool> NewMipmap(StPoint const& size, float maximumFilter = 1.0f) {
+    auto mipmap = MipmapRef<Record, Spool>::Adopt(new Mipmap<Record, Spool>);
     mipmap->IImagerMipmap(size, maximumFilter, false);
     return mipmap;
 }
 
 /// One of random pixels in all levels.
-template <class Record>
-MipmapRef<Record> RandomMipmap(StPoint const& size, unsigned seed = 1) {
-    auto mipmap = NewMipmap<Record>(size);
+template <class Record, class Spool = ScImagerNonSpool>
+MipmapRef<Record, Spool> RandomMipmap(StPoint const& size, unsigned seed = 1) {
+    auto mipmap = NewMipmap<Record, Spool>(size);
     testing_frames::FillRandom(*mipmap, testing_frames::KindOfID(Record::PixelID()), seed);
     mipmap->RebuildLevels();
     return mipmap;
