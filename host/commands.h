@@ -31,8 +31,16 @@ struct ConvertOptions {
     std::optional<ConvertPalette> palette;  ///< made for the picture if not given
     std::optional<float> rate;              ///< frames a second
     std::string codec;                      ///< a codec's code; empty is the source's
+    bool mipmap = false;                    ///< the levels of each picture's mipmap instead of the picture
 };
 void RunConvert(ConvertOptions const& options);
+
+struct MipmapOptions {
+    std::string input;
+    std::string output;
+};
+/// Converts a picture, or a numbered sequence, into the levels of its mipmap as one picture.
+void RunMipmap(MipmapOptions const& options);
 
 enum class ShowColors { kAuto, kTrueColor, k256, kNone };
 struct ShowOptions {

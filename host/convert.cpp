@@ -119,3 +119,11 @@ void RunConvert(ConvertOptions const& options) {
     });
     files.Publish();
 }
+
+void RunMipmap(MipmapOptions const& options) {
+    ConvertOptions convert;
+    convert.input = options.input;
+    convert.output = options.output;
+    convert.mipmap = true;
+    RunConvert(convert);
+}

@@ -3,6 +3,7 @@
 #include <strings.h>
 
 #include "host_error.h"
+#include "pyramid.h"
 #include "source_media.h"
 
 namespace {
@@ -72,5 +73,6 @@ StRef<SmImagerFrame> TransformedFrame(StRef<SmImagerFrame> frame, ConvertOptions
         if (pixelID != frame->PixelID() || options.palette == ConvertPalette::kStandard)
             frame = Converted(frame, pixelID, options, progress);
     }
+    if (options.mipmap) frame = PyramidOf(frame);
     return frame;
 }

@@ -52,13 +52,24 @@ void AddList(CLI::App& app, char const* name, char const* purpose, ListOptions& 
     command->add_flag("--json", options.json, "Print JSON");
 }
 
+/// The files of a command that reads one and writes another.
+template <class Options>
+void AddInAndOut(CLI::App& command, Options& options) {
+    command.add_option("input", options.input, "The file to read")->required()->option_text("IN");
+    command.add_option("output", options.output, "The file to write; its extension says the format")
+        ->required()
+        ->option_text("OUT");
+}
+
+void AddMipmap(CLI::App& app, MipmapOptions& options) {
+    AddInAndOut(*app.add_subcommand("mipmap", "Write a picture with its ever smaller copies, as one picture"),
+                options);
+}
+
 void AddConvert(CLI::App& app, ConvertOptions& options) {
     CLI::App* command =
         app.add_subcommand("convert", "Write a picture, movie or numbered sequence as another file");
-    command->add_option("input", options.input, "The file to read")->required()->option_text("IN");
-    command->add_option("output", options.output, "The file to write; its extension says the format")
-        ->required()
-        ->option_text("OUT");
+    AddInAndOut(*command, options);
     CLI::Option* const pixel =
         command
             ->add_option("--pixel", options.pixel, "Pixel type to convert through (see `framewright pixels`)")
@@ -132,12 +143,14 @@ int main(int argc, char** argv) {
     InfoOptions info;
     ConvertOptions convert;
     ListOptions formats, pixels;
+    MipmapOptions mipmap;
     ShowOptions show;
     AddInfo(app, info);
     AddConvert(app, convert);
     AddList(app, "formats", "List the formats that can be read and written", formats);
     AddList(app, "pixels", "List the pixel types", pixels);
     AddShow(app, show);
+    AddMipmap(app, mipmap);
 
     try {
         app.parse(argc, argv);
@@ -154,6 +167,7 @@ int main(int argc, char** argv) {
         if (app.got_subcommand("formats")) RunFormats(formats);
         if (app.got_subcommand("pixels")) RunPixels(pixels);
         if (app.got_subcommand("show")) RunShow(show);
+        if (app.got_subcommand("mipmap")) RunMipmap(mipmap);
     } catch (std::exception const& error) {
         PrintError(error.what());
         done = false;

@@ -36,6 +36,9 @@ only_files() { [ "$(ls -A | grep -vxE 'out.txt|err.txt' | sort | tr '\n' ' ')" =
 bytes() { od -An -v -tx1 -j"$2" -N"$3" "$1" | tr -d ' \n'; }
 bytes_are() { [ "$(bytes "$1" "$2" "$3")" = "$4" ]; }
 
+# repeated COUNT TEXT
+repeated() { printf "%0.s$2" $(seq "$1"); }
+
 # le16 N, le32 N: little-endian bytes as printf escapes.
 le16() { printf '\\x%02x\\x%02x' $(($1 & 255)) $(($1 >> 8 & 255)); }
 le32() { printf '%s%s' "$(le16 $(($1 & 65535)))" "$(le16 $(($1 >> 16 & 65535)))"; }
@@ -72,6 +75,25 @@ check "pixels lists the 32-bit type" says "ColB"
 run show --color none in.bmp
 check "show succeeds" status_is 0
 check "show prints two lines for four rows" [ "$(wc -l <out.txt)" -eq 2 ]
+run mipmap in.bmp pyramid.bmp
+check "mipmap succeeds" status_is 0
+check "mipmap is quiet" quiet
+check "its picture has half the rows more" bytes_are pyramid.bmp 18 8 0800000006000000
+check "its last row holds the half and black" bytes_are pyramid.bmp 54 24 "$(repeated 4 0a141e)$(repeated 4 000000)"
+check "the row above holds all smaller levels" bytes_are pyramid.bmp 78 24 "$(repeated 7 0a141e)000000"
+check "above them is the picture" bytes_are pyramid.bmp 102 96 "$(repeated 32 0a141e)"
+bmp24 odd.bmp 12 5 1 2 3
+run mipmap odd.bmp pyramid.bmp
+check "sides go to the nearest powers of two" bytes_are pyramid.bmp 18 8 1000000006000000
+run mipmap "$2/examples/pictures/shapes-rle.bmp" pyramid.bmp
+check "a picture with a palette has a mipmap too" bytes_are pyramid.bmp 18 8 80000000c0000000
+run mipmap missing.bmp none.bmp
+check "a missing file has none" status_is 1
+check "and is named" one_error_line "missing.bmp"
+check "and leaves no output" absent none.bmp
+run mipmap in.bmp
+check "mipmap needs an output" status_is 2
+rm -f pyramid.bmp odd.bmp
 run --version
 check "--version" says "framewright "
 run --help
