@@ -17,6 +17,7 @@ std::uint32_t Rank(StSpoolRow const& row) {
 void ScHeldPlaces::Hold(StSpoolRow& row, std::uint32_t bytes) {
     row.heldBytes = bytes;
     if (bytes == 0) return;
+    mBytes += bytes;
     std::uint32_t const position = row.filePosition;
     StSpoolRow** link = &mRoot;
     while (*link && Rank(**link) > Rank(row)) {
@@ -53,19 +54,28 @@ void ScHeldPlaces::Release(StSpoolRow& row) {
         upper = next;
     }
     *link = before ? before : behind;
+    mBytes -= row.heldBytes;
     row.heldBytes = 0;
     row.heldBefore = row.heldBehind = nullptr;
 }
 
-bool ScHeldPlaces::Overlap(std::uint32_t position, std::uint32_t bytes) const {
-    std::uint64_t const end = std::uint64_t{position} + bytes;
+std::uint64_t ScHeldPlaces::EndOfOverlap(std::uint64_t position, std::uint32_t bytes) const {
     StSpoolRow const* last = nullptr;  // of those that begin before the end
     for (StSpoolRow const* row = mRoot; row;) {
-        bool const beginsBefore = row->filePosition < end;
+        bool const beginsBefore = row->filePosition < position + bytes;
         if (beginsBefore) last = row;
         row = beginsBefore ? row->heldBehind : row->heldBefore;
     }
-    return last && std::uint64_t{last->filePosition} + last->heldBytes > position;
+    std::uint64_t const end = last ? std::uint64_t{last->filePosition} + last->heldBytes : 0;
+    return end > position ? end : 0;
+}
+
+std::uint64_t ScHeldPlaces::FirstGap(std::uint32_t start, std::uint32_t bytes) const {
+    std::uint64_t position = start;
+    // Whatever began before that row's end would lie in it too.
+    while (std::uint64_t const end = EndOfOverlap(position, bytes))
+        position = end;
+    return position;
 }
 
 }  // namespace spool

@@ -16,10 +16,20 @@ class ScHeldPlaces {
     /// Removes it; the row has the position that it was entered with. One that is not there is no error.
     void Release(StSpoolRow& row);
     /// Whether a row lies in any of the `bytes` bytes from `position`.
-    bool Overlap(std::uint32_t position, std::uint32_t bytes) const;
+    bool Overlap(std::uint32_t position, std::uint32_t bytes) const {
+        return EndOfOverlap(position, bytes) != 0;
+    }
+    /// The first position from `start` on where `bytes` bytes hold no row.
+    std::uint64_t FirstGap(std::uint32_t start, std::uint32_t bytes) const;
+    /// The bytes of all rows together.
+    std::uint32_t Bytes() const { return mBytes; }
 
   private:
+    /// Where the last row ends that lies in any of the `bytes` bytes from `position`; 0 if none does.
+    std::uint64_t EndOfOverlap(std::uint64_t position, std::uint32_t bytes) const;
+
     StSpoolRow* mRoot = nullptr;
+    std::uint32_t mBytes = 0;
 };
 
 }  // namespace spool

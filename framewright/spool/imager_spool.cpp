@@ -251,6 +251,15 @@ void ScImagerSpool::UnlockRows(long first, long last) {
         Unlock(row);
 }
 
+void ScImagerSpool::GiveUpLocks(long first, unsigned int wanted) {
+    Unlock(first);
+    try {
+        EvictRows(wanted);
+    } catch (std::exception const&) {
+        // Whoever is refused memory next meets the error again.
+    }
+}
+
 // --- rows in one block
 
 void ScImagerSpool::ForceContiguous() {

@@ -90,6 +90,10 @@ class FRAMEWRIGHT_EXPORT ScImagerSpool {
     /// unlocked again except `first`, which keeps one lock. Does not throw.
     bool LockRows(long first, long last, SmImagerFrame* frame);
     void UnlockRows(long first, long last);
+    /// For who goes on after a LockRows that failed: gives back the lock that it left on `first`, and memory
+    /// for `wanted` bytes, so that rows which were drawn in for nothing do not leave other frames without.
+    /// Does not throw.
+    void GiveUpLocks(long first, unsigned int wanted);
 
     /// Moves all rows into one block, row i at i * row bytes, where they stay at least until as many calls of
     /// ReleaseContiguous. The addresses that the rows had before are gone, also those of locked rows.

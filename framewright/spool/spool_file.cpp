@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "framewright/spool/imager_spool.h"
 #include "framewright/thornmere/error.h"
 
 static constexpr unsigned char kMark[] = {'l', 's', 'P', 'S'};
@@ -39,9 +40,22 @@ bool StSpoolFile::Write(void const* row, std::uint32_t bytes, std::uint32_t& pla
         bytesInUse += bytes;
         return true;
     }
-    if (!WriteBehindData(row, bytes)) return false;
+    if (std::uint64_t{endOfData} + bytes >= maximumSize || held.Overlap(endOfData, bytes)) return false;
+    WriteAt(endOfData, row, bytes);
     place = endOfData;
     endOfData += bytes;
+    bytesInUse += bytes;
+    return true;
+}
+
+bool StSpoolFile::WriteInGap(void const* row, std::uint32_t bytes, std::uint32_t& place) {
+    if (bytesInUse != held.Bytes()) return false;
+    std::uint64_t const gap = held.FirstGap(sizeof(kMark), bytes);
+    if (gap + bytes >= maximumSize) return false;
+    auto const position = static_cast<std::uint32_t>(gap);
+    WriteAt(position, row, bytes);
+    place = position;
+    endOfData = std::max(endOfData, position + bytes);
     bytesInUse += bytes;
     return true;
 }
@@ -49,19 +63,16 @@ bool StSpoolFile::Write(void const* row, std::uint32_t bytes, std::uint32_t& pla
 bool StSpoolFile::WriteToExtent(StExtent const& extent, void const* row, std::uint32_t bytes) {
     if (extent.length < bytes || held.Overlap(extent.position, bytes)) return false;
     try {
-        SrFileSetPos(file, extent.position);
-        SrFileWrite(file, row, bytes);
+        WriteAt(extent.position, row, bytes);
     } catch (std::exception const&) {
         return false;  // not usable now; another place may be
     }
     return true;
 }
 
-bool StSpoolFile::WriteBehindData(void const* row, std::uint32_t bytes) {
-    if (std::uint64_t{endOfData} + bytes >= maximumSize || held.Overlap(endOfData, bytes)) return false;
-    SrFileSetPos(file, endOfData);
+void StSpoolFile::WriteAt(std::uint32_t position, void const* row, std::uint32_t bytes) {
+    SrFileSetPos(file, position);
     SrFileWrite(file, row, bytes);
-    return true;
 }
 
 void StSpoolFile::Read(std::uint32_t position, void* row, std::uint32_t bytes) {
@@ -98,4 +109,9 @@ void StSpoolFile::Free(std::uint32_t position, std::uint32_t bytes) {
     } catch (std::exception const&) {
         // No memory for the entry: rows are worth more than room in the file, which is given up.
     }
+}
+
+void StSpoolFile::Forget(StSpoolRow& row) {
+    bytesInUse -= row.heldBytes;
+    held.Release(row);
 }

@@ -22,9 +22,15 @@ struct StSpoolFile {
 
     /// Finds a place for a row and writes it there. False when the file has none.
     bool Write(void const* row, std::uint32_t bytes, std::uint32_t& place);
+    /// The same in the first gap between rows of spoolers, whatever the extents and the end of the data say.
+    /// Places that the extents have lost are found again this way. False in a file where other callers have
+    /// rows, since where those lie is known to nobody.
+    bool WriteInGap(void const* row, std::uint32_t bytes, std::uint32_t& place);
     /// Reads without freeing; -39 when the file ends before the row does.
     void Read(std::uint32_t position, void* row, std::uint32_t bytes);
     void Free(std::uint32_t position, std::uint32_t bytes);
+    /// The row of a spooler there is given up, and its place not freed.
+    void Forget(StSpoolRow& row);
 
     unsigned int file = 0;           ///< 0 when closed
     ScVector<StExtent> freeExtents;  ///< as Free left them, which need not be in order
@@ -36,5 +42,5 @@ struct StSpoolFile {
 
   private:
     bool WriteToExtent(StExtent const& extent, void const* row, std::uint32_t bytes);
-    bool WriteBehindData(void const* row, std::uint32_t bytes);
+    void WriteAt(std::uint32_t position, void const* row, std::uint32_t bytes);
 };

@@ -176,6 +176,11 @@ unsigned int SmSpoolManager::WriteRow(short& fileIndex, unsigned int& position, 
         fileIndex = static_cast<short>(i);
         return bytes;
     }
+    for (std::size_t i = 0; i < mSpoolFiles.size(); ++i) {
+        if (!mSpoolFiles[i]->WriteInGap(row, bytes, position)) continue;
+        fileIndex = static_cast<short>(i);
+        return bytes;
+    }
     bool const none = mSpoolFiles.empty();
     ScMessageBuzzStrings message(SkAlertStrings(), none ? 4 : 5, 1, 1, SkSimpleAlert());
     SrThrow(none ? SkNoSpoolFileErrC() : SkSpoolFilesFullErrC(), &message);
@@ -202,16 +207,16 @@ void SmSpoolManager::WriteSpooledRow(StSpoolRow& row, unsigned int bytes) {
 
 void SmSpoolManager::ReadSpooledRow(StSpoolRow& row, void* memory, unsigned int bytes) {
     ReadRow(row.fileIndex, row.filePosition, memory, bytes);
-    ForgetSpooledRow(row);
+    FileAt(row.fileIndex).held.Release(row);
 }
 
 void SmSpoolManager::FreeSpooledRow(StSpoolRow& row, unsigned int bytes) {
     FreeExtent(row.fileIndex, row.filePosition, bytes);
-    ForgetSpooledRow(row);
+    FileAt(row.fileIndex).held.Release(row);
 }
 
 void SmSpoolManager::ForgetSpooledRow(StSpoolRow& row) {
-    FileAt(row.fileIndex).held.Release(row);
+    FileAt(row.fileIndex).Forget(row);
 }
 
 // --- what hosts call

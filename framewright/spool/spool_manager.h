@@ -62,9 +62,10 @@ class FRAMEWRIGHT_EXPORT SmSpoolManager : public SmManaged<SmSpoolManager> {
 
     /// Writes a row to the first place that takes it - file by file, free extents first, then the end of the
     /// data - and tells where that is. Returns `bytes`. A place that holds a row of a spooler is passed over,
-    /// whatever the extents say. -29299 off a first-class thread; SkNoSpoolFileErrC() or
-    /// SkSpoolFilesFullErrC() with a message when no place was found; what the file gives when writing behind
-    /// the data fails.
+    /// whatever the extents say. When no file is left, the gaps between rows of spoolers are used, in files
+    /// that hold no others: extents lose places (see FreeExtent). -29299 off a first-class thread;
+    /// SkNoSpoolFileErrC() or SkSpoolFilesFullErrC() with a message when no place was found; what the file
+    /// gives when writing behind the data fails.
     unsigned int WriteRow(short& fileIndex, unsigned int& position, void const* row, unsigned int bytes);
     /// Reads a row back and frees its place. -29299 off a first-class thread, -39 when the file ends before
     /// the row does, -36 when it can't be read, -50 for a file that there is not; nothing is freed then.

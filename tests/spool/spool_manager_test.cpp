@@ -550,8 +550,38 @@ TEST_F(SpoolManager, ARowOfASpoolerIsSafeBehindTheEndOfData) {
     ASSERT_TRUE(spooler.LockRows(1, 2, nullptr));
     ASSERT_EQ(spooler.EvictRows(1), 100u);  // row 3, to 304
     EXPECT_EQ(Write(150, 'x'), (StPlace{1, 4})) << "304 is the end of the first file's data";
-    EXPECT_TRUE(Holds(spooler, 3, 100));
-    EXPECT_EQ(Write(150, 'x'), (StPlace{0, 304}));
+    EXPECT_TRUE(Holds(spooler, 3, 100));  // frees 304, right before the extent at 404, which moves up
+    EXPECT_EQ(Write(150, 'x'), (StPlace{0, 504}));
+    EXPECT_EQ(Write(250, 'x'), (StPlace{0, 304})) << "the end of the data is free now";
+}
+
+TEST_F(SpoolManager, GapsServeWhenTheExtentsHaveLostThem) {
+    AddFile(4 + 401);
+    ScImagerSpool spooler;
+    FillRows(spooler, {1, 2, 3, 4, 5}, 100);
+    for (int i = 0; i < 4; ++i)
+        ASSERT_EQ(spooler.EvictRows(1), 100u);
+    EXPECT_EQ(CaughtCode([&] { spooler.EvictRows(1); }), SkSpoolFilesFullErrC());
+    ASSERT_TRUE(spooler.LockRows(4, 4, nullptr));
+    EXPECT_TRUE(Holds(spooler, 1, 100));  // frees 104
+    EXPECT_TRUE(Holds(spooler, 0, 100));  // frees 4: the extent covers the rows at 204 and 304 now
+    EXPECT_EQ(spooler.EvictRows(1), 100u);
+    EXPECT_EQ(spooler.EvictRows(1), 100u);
+    for (long row = 0; row < 5; ++row)
+        EXPECT_TRUE(Holds(spooler, row, 100));
+    spooler.Unlock(4);
+}
+
+TEST_F(SpoolManager, GapsBetweenRowsOfOtherCallersDoNotServe) {
+    AddFile(4 + 401);
+    WriteRows(4);
+    Free(104, 100);
+    Free(4, 100);  // the extent covers 204 to 404
+    EXPECT_EQ(Write(200), (StPlace{0, 204}));
+    StPlace place;
+    char const row[100] = {};
+    EXPECT_EQ(CaughtCode([&] { Manager().WriteRow(place.file, place.position, row, 100); }),
+              SkSpoolFilesFullErrC());
 }
 
 }  // namespace
