@@ -94,8 +94,10 @@ class FRAMEWRIGHT_EXPORT SmImagerLayer : public SmManaged<SmImagerLayer<Pixel, S
     unsigned long FamilyID() override { return Pixel::FamilyID(); }
     long PixelSize() override { return Pixel::PixelSize(); }
 
+    /// Where rows leave memory, a call that fails leaves one lock on `first`.
     bool LockRows(long first, long last) override;
     void UnlockRows(long first, long last) override;
+    /// Where rows leave memory, a call that throws is counted too: the row is to be unlocked.
     void* LockRow(long row) override;
     void UnlockRow(long row) override;
     void ForceContiguous() override;

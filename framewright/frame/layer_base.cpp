@@ -4,7 +4,9 @@
 #include <utility>
 
 #include "framewright/frame/frame_limit.h"
+#include "framewright/frame/row_lock.h"
 #include "framewright/platform/win_bitmap.h"
+#include "framewright/spool/spool_locks.h"
 #include "framewright/thornmere/error.h"
 #include "framewright/thornmere/memory.h"
 
@@ -15,7 +17,19 @@ bool StPixelKind::MayBeNative() const {
            id == SrCode("ColB");
 }
 
+void GiveBackFailedLock(SmImagerFrame& frame, long row) {
+    auto const* const layer = dynamic_cast<SmLayerBase*>(&frame);
+    if (layer && layer->CountsFailedLocks()) frame.UnlockRow(row);
+}
+
 SmLayerBase::~SmLayerBase() = default;
+
+void SmLayerBase::Become(void const* other, StBecomeParts const& parts) {
+    spool::StHold const registry(spool::gRegistryLock);
+    spool::StHold const rows(spool::gRowLock);
+    spool::StHold const storage(spool::gStorageLock);
+    SmImagerFrame::Become(other, parts);
+}
 
 void SmLayerBase::Free() {
     ReleaseBlock();

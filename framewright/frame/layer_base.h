@@ -30,6 +30,9 @@ class FRAMEWRIGHT_EXPORT SmLayerBase : public SmImagerFrame {
     void SetUpdated(bool updated) override { mUpdated = updated; }
     bool GetUpdated() override { return mUpdated; }
 
+    /// Whether a LockRow that throws is counted all the same, so that UnlockRow is due.
+    bool CountsFailedLocks() const { return mCountsFailedLocks; }
+
     /// The frame whose pixels this layer looks into, or null; borrowed.
     SmImagerFrame* GetParent() const { return mParent.Get(); }
 
@@ -50,6 +53,8 @@ class FRAMEWRIGHT_EXPORT SmLayerBase : public SmImagerFrame {
   protected:
     SmLayerBase() = default;
     ~SmLayerBase() override;
+    /// Keeps other threads from evicting rows of this layer while its bytes are exchanged.
+    void Become(void const* other, StBecomeParts const& parts);
     /// Gives back the block and the parent.
     void Free() override;
 
@@ -81,6 +86,7 @@ class FRAMEWRIGHT_EXPORT SmLayerBase : public SmImagerFrame {
     void* PlaceInBlock(long bits) const;
 
     bool mUpdated = false;
+    bool mCountsFailedLocks = false;
     void* mBase = nullptr;
     bool mOwnsBase = true;
     std::int32_t mRowBytes = 0;

@@ -6,6 +6,7 @@
 #include "framewright/frame/copy_road.h"
 #include "framewright/frame/layer.h"
 #include "framewright/frame/merge_row.h"
+#include "framewright/frame/row_lock.h"
 #include "framewright/pixel/smart_pixel.h"
 
 template <class Pixel, class Spool>
@@ -20,12 +21,18 @@ bool SmImagerLayer<Pixel, Spool>::BlitRect(SmImagerFrame* source, StRect const& 
     this->EnsureScreenSafe(target);
     bool locked = false;
     auto const finish = [&] {
-        if (locked) this->UnlockRows(target.top, long{target.bottom} - 1);
+        if (locked) mSpooler.UnlockRows(target.top, long{target.bottom} - 1);
         this->ReleaseScreenSafe();
     };
     try {
         if constexpr (Spool::kRowsLeaveMemory) {
-            locked = this->LockRows(target.top, long{target.bottom} - 1);
+            locked = mSpooler.LockRows(target.top, long{target.bottom} - 1, this);
+            if (!locked) {
+                // More rows than memory holds: then each is held while it is written. The source gets memory
+                // for a row before this layer takes all again; from then on each makes room among its own.
+                mSpooler.GiveUpLocks(target.top, static_cast<unsigned int>(source->BytesPerRow()));
+                source->GetRow(clipped.top);
+            }
         }
         if (road == frame::CopyRoad::kRawRows) {
             CopyRows(source, clipped, to);
@@ -48,7 +55,9 @@ void SmImagerLayer<Pixel, Spool>::CopyRows(SmImagerFrame* source, StRect const& 
     long const offset = to.horizontal * kKind.bits / 8;
     long row = to.vertical;
     for (long y = from.top; y < from.bottom; ++y, ++row) {
-        auto* const destinationRow = static_cast<std::byte*>(Row(row));
+        // The source may be this frame.
+        frame::StOwnRow const own(mSpooler, row);
+        auto* const destinationRow = static_cast<std::byte*>(own.Address());
         auto const* const sourceRow = static_cast<std::byte const*>(source->GetRow(y));
         SrThrowIfNIL(destinationRow);
         SrThrowIfNIL(sourceRow);
@@ -81,8 +90,9 @@ bool SmImagerLayer<Pixel, Spool>::MergeRect(SmImagerFrame* source, StRect const&
     long row = to.vertical;
     if (frame::OnePixelType(*source, *this)) {
         for (long y = from.top; y < from.bottom; ++y, ++row) {
+            frame::StOwnRow const own(mSpooler, row);
             void const* const sourceRow = source->GetRow(y);
-            frame::MergeRow<Pixel>(Row(row), to.horizontal, sourceRow, from.left, width);
+            frame::MergeRow<Pixel>(own.Address(), to.horizontal, sourceRow, from.left, width);
         }
         // This way ends without ReleaseScreenSafe; a frame that counts brackets relies on it.
         return false;

@@ -11,7 +11,9 @@ ScMC_* StClassFacts<SmImagerLayer<Pixel, Spool>>::Object() {
 }
 
 template <class Pixel, class Spool>
-SmImagerLayer<Pixel, Spool>::SmImagerLayer() = default;
+SmImagerLayer<Pixel, Spool>::SmImagerLayer() {
+    this->mCountsFailedLocks = Spool::kRowsLeaveMemory;
+}
 
 template <class Pixel, class Spool>
 SmImagerLayer<Pixel, Spool>::~SmImagerLayer() = default;

@@ -93,8 +93,9 @@ bool SmImagerLayer<Pixel, Spool>::StretchBlitFast(SmImagerFrame* source, StRect 
                     copy(std::min(columns.PixelAt(x), lastColumn), x);
             };
             if (onePixelType) {
+                frame::StOwnRow const own(mSpooler, y);
                 void const* const sourceRow = source->GetRow(sy);
-                void* const row = Row(y);
+                void* const row = own.Address();
                 forEachPixel([&](long sx, long x) {
                     Pixel pixel{};
                     pixel::LoadPixel(sourceRow, sx, pixel);

@@ -16,6 +16,16 @@ void FillRow(void* row, long left, long right, Pixel const& pixel) {
         pixel::StorePixel(row, x, pixel);
 }
 
+template <class Pixel>
+void InvertRow(void* row, long columns) {
+    for (long x = 0; x < columns; ++x) {
+        Pixel pixel{};
+        pixel::LoadPixel(row, x, pixel);
+        pixel::Invert(pixel);
+        pixel::StorePixel(row, x, pixel);
+    }
+}
+
 /// Exchanges two pixels of a layer, which may lie in different rows.
 template <class Pixel, class Spool>
 void SwapPixels(SmImagerLayer<Pixel, Spool>& layer, long x, long y, long otherX, long otherY) {
@@ -59,15 +69,8 @@ void SmImagerLayer<Pixel, Spool>::Flip(bool horizontal, bool vertical) {
 template <class Pixel, class Spool>
 void SmImagerLayer<Pixel, Spool>::Invert() {
     this->mUpdated = true;
-    for (long y = 0; y < this->mSize.vertical; ++y) {
-        void* const row = Row(y);
-        for (long x = 0; x < this->mSize.horizontal; ++x) {
-            Pixel pixel{};
-            pixel::LoadPixel(row, x, pixel);
-            pixel::Invert(pixel);
-            pixel::StorePixel(row, x, pixel);
-        }
-    }
+    for (long y = 0; y < this->mSize.vertical; ++y)
+        frame::InvertRow<Pixel>(Row(y), this->mSize.horizontal);
 }
 
 template <class Pixel, class Spool>

@@ -1,4 +1,4 @@
-// A row held in memory for as long as this object stands on the stack, also when an exception passes.
+// Rows held in memory for as long as an object stands on the stack, also when an exception passes.
 #pragma once
 
 #include <utility>
@@ -7,10 +7,21 @@
 
 namespace frame {
 
+/// After a LockRow that threw: the layers whose rows leave memory count that lock too.
+void GiveBackFailedLock(SmImagerFrame& frame, long row);
+
+/// A row of any frame.
 class StRowLock {
   public:
     /// Nothing is held when LockRow throws.
-    StRowLock(SmImagerFrame& frame, long row) : mFrame(&frame), mRow(row), mAddress(frame.LockRow(row)) {}
+    StRowLock(SmImagerFrame& frame, long row) : mFrame(&frame), mRow(row) {
+        try {
+            mAddress = frame.LockRow(row);
+        } catch (...) {
+            GiveBackFailedLock(frame, row);
+            throw;
+        }
+    }
     StRowLock(StRowLock const&) = delete;
     StRowLock& operator=(StRowLock const&) = delete;
     ~StRowLock() {
@@ -31,6 +42,37 @@ class StRowLock {
 
   private:
     SmImagerFrame* mFrame;  ///< null once the row is given back
+    long mRow;
+    void* mAddress;
+};
+
+/// A row of a layer's own spooler, while a row of some other frame is fetched, which may be this one. Costs
+/// nothing where rows never leave memory.
+template <class Spool>
+class StOwnRow {
+  public:
+    StOwnRow(Spool& spooler, long row) : mSpooler(spooler), mRow(row) {
+        if constexpr (Spool::kRowsLeaveMemory) {
+            try {
+                mAddress = spooler.Lock(row, nullptr);
+            } catch (...) {
+                spooler.Unlock(row);
+                throw;
+            }
+        } else {
+            mAddress = spooler.GetPtrRow(row);
+        }
+    }
+    StOwnRow(StOwnRow const&) = delete;
+    StOwnRow& operator=(StOwnRow const&) = delete;
+    ~StOwnRow() {
+        if constexpr (Spool::kRowsLeaveMemory) mSpooler.Unlock(mRow);
+    }
+
+    void* Address() const { return mAddress; }
+
+  private:
+    Spool& mSpooler;
     long mRow;
     void* mAddress;
 };

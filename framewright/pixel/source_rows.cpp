@@ -6,11 +6,17 @@
 
 namespace pixel {
 
+template <class Record>
+static bool IsPlainLayerOf(std::type_info const& type) {
+    return type == typeid(SmImagerLayer<Record, ScImagerNonSpool>) ||
+           type == typeid(SmImagerLayer<Record, ScImagerSpool>);
+}
+
 StRowForm RowFormOf(SmImagerFrame* frame) {
     std::type_info const& type = typeid(*frame);
-    if (type == typeid(SmImagerLayer<StRGBA32Pixel, ScImagerNonSpool>)) return StRowForm::kRGBA32;
-    if (type == typeid(SmImagerLayer<StRGB32Pixel, ScImagerNonSpool>)) return StRowForm::kRGB32;
-    if (type == typeid(SmImagerLayer<StRGB24Pixel, ScImagerNonSpool>)) return StRowForm::kRGB24;
+    if (IsPlainLayerOf<StRGBA32Pixel>(type)) return StRowForm::kRGBA32;
+    if (IsPlainLayerOf<StRGB32Pixel>(type)) return StRowForm::kRGB32;
+    if (IsPlainLayerOf<StRGB24Pixel>(type)) return StRowForm::kRGB24;
     return StRowForm::kAskFrame;
 }
 
