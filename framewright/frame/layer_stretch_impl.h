@@ -38,11 +38,10 @@ bool SmImagerLayer<Pixel, Spool>::StretchBlit(SmImagerFrame* source, StRect cons
 template <class Pixel, class Spool>
 void SmImagerLayer<Pixel, Spool>::StretchRow(SmImagerFrame* source, StPoint const& sourceSize,
                                              frame::StStretchMap const& map, StRect const& to, long y) {
-    long const lastRow = sourceSize.vertical - 1L;
-    long const lastColumn = sourceSize.horizontal - 1L;
+    frame::ScSourceAxis const sourceRows(sourceSize.vertical);
     float const fy = map.rows.At(y);
-    long const y0 = std::min<long>(SrITrunc(fy), lastRow);
-    long const y1 = y0 < lastRow ? y0 + 1 : y0;
+    std::int32_t const y0 = sourceRows.PixelAt(fy);
+    std::int32_t const y1 = sourceRows.Next(y0);
     float const down = fy - static_cast<float>(y0);
     frame::StRowLock upperLock(*source, y0);
     frame::StRowLock lowerLock(*source, y1);
@@ -52,11 +51,12 @@ void SmImagerLayer<Pixel, Spool>::StretchRow(SmImagerFrame* source, StPoint cons
     void const* const lower = lowerLock.Address();
     void* const row = rowLock.Address();
     frame::ScStretchAxis const columns = map.columns;
+    frame::ScSourceAxis const sourceColumns(sourceSize.horizontal);
     long const right = to.right;
     for (long x = to.left; x < right; ++x) {
         float const fx = columns.At(x);
-        long const x0 = std::min<long>(SrITrunc(fx), lastColumn);
-        long const x1 = x0 < lastColumn ? x0 + 1 : x0;
+        std::int32_t const x0 = sourceColumns.PixelAt(fx);
+        std::int32_t const x1 = sourceColumns.Next(x0);
         float const across = fx - static_cast<float>(x0);
         Pixel a{}, b{}, c{}, d{};
         pixel::LoadPixel(upper, x0, a);
@@ -82,15 +82,15 @@ bool SmImagerLayer<Pixel, Spool>::StretchBlitFast(SmImagerFrame* source, StRect 
     if (SrHasPixels(sourceSize)) {
         frame::StStretchMap const map(from, to);
         frame::ScStretchAxis const columns = map.columns;
-        long const lastRow = sourceSize.vertical - 1L;
-        long const lastColumn = sourceSize.horizontal - 1L;
+        frame::ScSourceAxis const sourceRows(sourceSize.vertical);
+        frame::ScSourceAxis const sourceColumns(sourceSize.horizontal);
         bool const onePixelType = frame::OnePixelType(*source, *this);
         std::unique_ptr<ScSmartPixel> const smart(onePixelType ? nullptr : source->NewSmartPixel());
         for (long y = to.top; y < to.bottom; ++y) {
-            long const sy = std::min(map.rows.PixelAt(y), lastRow);
+            long const sy = sourceRows.PixelAt(map.rows.At(y));
             auto const forEachPixel = [&](auto const& copy) {
                 for (long x = to.left; x < to.right; ++x)
-                    copy(std::min(columns.PixelAt(x), lastColumn), x);
+                    copy(sourceColumns.PixelAt(columns.At(x)), x);
             };
             if (onePixelType) {
                 frame::StOwnRow const own(mSpooler, y);

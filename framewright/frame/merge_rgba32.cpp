@@ -1,9 +1,9 @@
-// Straight alpha over straight alpha, four pixels at a time in floats, without a division by each pixel's
-// alpha.
+// Straight alpha over straight alpha, four pixels at a time, without a division by each pixel's alpha.
 //
-// Every number is an integer below 2^16 and so exact as a float. A quotient n / d is taken as the truncated
-// (n + 0.5) * (1 / d): it stands at least 0.5 / 255 away from any integer, which is more than the error of
-// both roundings, so the result is that of the integer division for every input.
+// A channel is n / d with n = over * overAlpha + below * weight and d = overAlpha + weight, the alpha of the
+// result: n stays below 2^16, so it is exact in 16 bits and as a float. The quotient is the truncated
+// n * (1 / d) + 0.5 * (1 / d), which stands at least 0.5 / 255 away from any integer. That is more than the
+// error of all its roundings, so the result is that of the integer division for every input.
 #include <cstdint>
 #include <cstring>
 
@@ -14,6 +14,7 @@ namespace frame {
 namespace {
 
 using StWords = std::uint32_t __attribute__((vector_size(16)));
+using StHalves = std::uint16_t __attribute__((vector_size(16)));
 using StInts = std::int32_t __attribute__((vector_size(16)));
 using StFloats = float __attribute__((vector_size(16)));
 
@@ -29,26 +30,34 @@ StWords Truncate(StFloats values) {
     return reinterpret_cast<StWords>(__builtin_convertvector(values, StInts));
 }
 
-StFloats Channel(StWords pixels, int shift) {
-    return ToFloats(pixels >> shift & 255u);
+/// The products of the upper and of the lower halves of each word, which must fit into a half.
+StWords TimesByHalves(StWords a, StWords b) {
+    return reinterpret_cast<StWords>(reinterpret_cast<StHalves>(a) * reinterpret_cast<StHalves>(b));
 }
 
 /// The rule of StRGBA32Pixel::Merge for four pixels.
 StWords MergeFour(StWords pixels, StWords over) {
-    StFloats const overAlpha = Channel(over, kAlphaShift);
-    StWords const alpha =
-        Truncate(((255.0f - Channel(pixels, kAlphaShift)) * overAlpha + 0.5f) * (1.0f / 255.0f)) +
-        (pixels >> kAlphaShift);
-    StFloats const weight = ToFloats(alpha) - overAlpha;
+    constexpr std::uint32_t kRedAndBlue = 0x00FF00FF;
+    StWords const overAlpha = over >> kAlphaShift;
+    StWords const belowAlpha = pixels >> kAlphaShift;
+    StWords const covered = TimesByHalves(255u - belowAlpha, overAlpha);
+    StWords const alpha = ((covered + 1u + (covered >> 8)) >> 8) + belowAlpha;  // covered / 255
+    StWords const weight = alpha - overAlpha;
+
+    StWords const redAndBlue = TimesByHalves(over & kRedAndBlue, overAlpha | overAlpha << 16) +
+                               TimesByHalves(pixels & kRedAndBlue, weight | weight << 16);
+    StWords const green =
+        TimesByHalves(over >> 8 & 255u, overAlpha) + TimesByHalves(pixels >> 8 & 255u, weight);
+
     // Where the result is wholly transparent so was `over`, and the quotients are not used.
     StWords const divisor = alpha | (reinterpret_cast<StWords>(alpha == 0u) & 1u);
     StFloats const inverse = 1.0f / ToFloats(divisor);
-    auto const mix = [&](int shift) {
-        StFloats const sum = Channel(over, shift) * overAlpha + Channel(pixels, shift) * weight;
-        return Truncate((sum + 0.5f) * inverse) << shift;
-    };
-    StWords const merged = mix(0) | mix(8) | mix(16) | alpha << kAlphaShift;
-    StWords const untouched = reinterpret_cast<StWords>(over >> kAlphaShift == 0u);
+    StFloats const half = 0.5f * inverse;
+    auto const quotient = [&](StWords sum) { return Truncate(ToFloats(sum) * inverse + half); };
+
+    StWords const merged = quotient(redAndBlue & 0xFFFFu) | quotient(green) << 8 |
+                           quotient(redAndBlue >> 16) << 16 | alpha << kAlphaShift;
+    StWords const untouched = reinterpret_cast<StWords>(overAlpha == 0u);
     return (pixels & untouched) | (merged & ~untouched);
 }
 

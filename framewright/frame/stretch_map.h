@@ -1,6 +1,8 @@
 // From the pixels of a scaled copy's destination back to places in its source.
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
 
 #include "framewright/frame/frame.h"
@@ -22,17 +24,34 @@ class ScStretchAxis {
     float At(long position) const {
         return static_cast<float>(position - mTo) * mScale + static_cast<float>(mFrom);
     }
-    /// The pixel there, truncated.
-    long PixelAt(long position) const { return SrITrunc(At(position)); }
-    /// The same for a masked copy, which is plain offsets where both rectangles are of one size.
+    /// The truncated place for a masked copy, which is plain offsets where both rectangles are of one size.
     long MaskedPixelAt(long position, bool sameSize) const {
-        return sameSize ? position + (mFrom - mTo) : PixelAt(position);
+        return sameSize ? position + (mFrom - mTo) : SrITrunc(At(position));
     }
 
   private:
     long mFrom;
     long mTo;
     float mScale;
+};
+
+/// The pixels of a source axis, for places that may lie past its ends.
+class ScSourceAxis {
+  public:
+    explicit ScSourceAxis(std::int32_t count) : mLast(count - 1), mLastPlace(static_cast<float>(mLast)) {
+        // A float that is rounded up lies past the last pixel.
+        if (static_cast<double>(mLastPlace) > mLast) mLastPlace = std::nextafter(mLastPlace, 0.0f);
+    }
+    /// The pixel at the truncated place, or the nearest edge.
+    std::int32_t PixelAt(float place) const {
+        return static_cast<std::int32_t>(std::min(std::max(0.0f, place), mLastPlace));
+    }
+    /// The next pixel, or the same one at the end.
+    std::int32_t Next(std::int32_t pixel) const { return pixel < mLast ? pixel + 1 : pixel; }
+
+  private:
+    std::int32_t mLast;
+    float mLastPlace;
 };
 
 struct StStretchMap {

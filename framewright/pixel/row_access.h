@@ -30,6 +30,19 @@ inline void LoadPixel(void const* row, long x, Record& out) {
         std::memcpy(static_cast<void*>(&out), static_cast<unsigned char const*>(row) + x * kBytes, kBytes);
 }
 
+/// What a record is stored in, at any address: the type of its fields, or wider or narrower bytes. Never
+/// unsigned char: a store of that type may change any object, the table of rows included, which would then be
+/// read anew for each pixel.
+template <class Record>
+struct StRowCell {
+    static constexpr bool kFloats = std::is_same_v<Record, StColorFloats> ||
+                                    std::is_same_v<Record, StRGBAFloatPixel> ||
+                                    std::is_same_v<Record, StDepthFloatPixel>;
+    using Bytes = std::conditional_t<StFacts<Record>::kBits == 32, std::uint32_t, char8_t>;
+    using Words = std::conditional_t<alignof(Record) == 2, std::uint16_t, Bytes>;
+    typedef std::conditional_t<kFloats, float, Words> Type __attribute__((aligned(1)));
+};
+
 /// Stores `pixel` as pixel `x` of `row`; the other pixels of its byte stay.
 template <class Record>
 inline void StorePixel(void* row, long x, Record const& pixel) {
@@ -38,8 +51,17 @@ inline void StorePixel(void* row, long x, Record const& pixel) {
         pixel.PlacePixelInRow(row, x);
     else if constexpr (std::is_same_v<Record, StBlackWhitePixel>)
         StRowPacking<1>::Put(row, x, pixel.black);
-    else
-        std::memcpy(static_cast<unsigned char*>(row) + x * kBytes, &pixel, kBytes);
+    else {
+        using Cell = typename StRowCell<Record>::Type;
+        constexpr long kCells = kBytes / static_cast<long>(sizeof(Cell));
+        Cell* const to = static_cast<Cell*>(row) + x * kCells;
+        for (long i = 0; i < kCells; ++i) {
+            Cell cell;
+            std::memcpy(&cell, reinterpret_cast<unsigned char const*>(&pixel) + i * sizeof(Cell),
+                        sizeof(Cell));
+            to[i] = cell;
+        }
+    }
 }
 
 }  // namespace pixel

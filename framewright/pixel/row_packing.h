@@ -27,11 +27,12 @@ struct StRowPacking {
     static unsigned Get(void const* row, long x) {
         return static_cast<unsigned char const*>(row)[x >> kShift] >> Position(x) & kMask;
     }
-    /// Replaces the bits of pixel x alone.
+    /// Replaces the bits of pixel x alone. Stored as a char8_t, for the reason told in row_access.h.
     static void Put(void* row, long x, unsigned value) {
-        unsigned char& byte = static_cast<unsigned char*>(row)[x >> kShift];
+        unsigned char const byte = static_cast<unsigned char*>(row)[x >> kShift];
         unsigned const position = Position(x);
-        byte = static_cast<unsigned char>((byte & ~(kMask << position)) | (value & kMask) << position);
+        static_cast<char8_t*>(row)[x >> kShift] =
+            static_cast<char8_t>((byte & ~(kMask << position)) | (value & kMask) << position);
     }
 };
 

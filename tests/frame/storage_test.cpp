@@ -107,6 +107,24 @@ TEST(Storage, RowBytesMustHoldARow_OfEitherSign) {
     EXPECT_EQ(errorOf(StRGBA32Pixel{}, 5, block.data() + 2048, -20), 0);
 }
 
+TEST(Storage, RowsMayLieAtAnyAddress) {
+    for (StKind const& kind : Kinds()) {
+        FrameRef const aligned = kind.make({3, 8});
+        FillRandom(*aligned, kind, 1);
+        FrameRef const frame = kind.make({3, 8});
+        std::vector<std::uint8_t> bytes(static_cast<std::size_t>(frame->BytesPerRow() * 3 + 1));
+        frame->ResetBaseAddress(bytes.data() + 1);
+        frame->BlitRect(aligned.Get(), {0, 0, 3, 8}, {0, 0});
+        frame->Flip(true, true);
+        aligned->Flip(true, true);
+        EXPECT_TRUE(Same(Shot(*aligned), Shot(*frame))) << kind.name;
+        frame->Invert();
+        frame->Erase();
+        frame->StretchBlit(aligned.Get(), {0, 0, 3, 8}, {0, 0, 2, 7});
+        frame->MergeRect(aligned.Get(), {0, 0, 3, 8}, {0, 0});
+    }
+}
+
 TEST(Storage, TopLeftOfAnOwnedBlockMovesNothing) {
     auto layer = StRef<Gray>::Adopt(Gray::New());
     layer->IImagerLayer({5, 5}, {2, 8}, false, nullptr, 0, nullptr);

@@ -80,6 +80,20 @@ TYPED_TEST(Stretch, OfLikes_BlendsFourPixels) {
     }
 }
 
+TYPED_TEST(Stretch, FromPastTheSource_ReadsNothingOutside) {
+    // What comes out is nobody's promise, but it comes out of the source.
+    StKind const& kind = KindOfID(TypeParam::PixelID());
+    auto const source = MakeLayer<TypeParam>(kSourceSize);
+    FillRandom(*source, kind, 1);
+    auto const frame = MakeLayer<TypeParam>(kSize);
+    for (StRect const from : {StRect{0, 0, 50, 60},
+                              {-9, -9, 5, 5},
+                              {90, 90, 99, 99},
+                              {6, 9, 1, 2},
+                              {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX}})
+        frame->StretchBlit(source.Get(), from, {0, 0, 13, 16});
+}
+
 TYPED_TEST(Stretch, OfOthers_SamplesTheSource_Converted) {
     using Record = TypeParam;
     StKind const& kind = KindOfID(Record::PixelID());
