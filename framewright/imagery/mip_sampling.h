@@ -44,9 +44,14 @@ inline void NeighboursInLevel(float coordinate, long length, long start, long co
                               long& second, float& fraction) {
     long const place = SrITrunc(coordinate);
     long const next = place + 1;
-    first = frame::ClampPixel(place + start, count);
-    second = frame::ClampPixel((next >= length ? next - length : next) + start, count);
     fraction = coordinate - static_cast<float>(place);
+    if (place >= 0 && place < length && start + length <= count) [[likely]] {
+        first = start + place;
+        second = start + (next < length ? next : 0);
+    } else {
+        first = frame::ClampPixel(place + start, count);
+        second = frame::ClampPixel((next >= length ? next - length : next) + start, count);
+    }
 }
 
 /// The four pixels of a bilinear read, in the coordinates of a raster of that size, which has pixels.

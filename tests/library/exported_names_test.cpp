@@ -62,6 +62,55 @@ TEST(ExportedNames, PixelsGoThroughFrames) {
     EXPECT_EQ(color.red, 30);
 }
 
+/// A host's own filter in a mipmap.
+class DarkMipmap : public SmImagerMipmap<StGray8Pixel, ScImagerSpool> {
+  public:
+    StGray8Pixel SampleLevel(float u, float v, long level, StTilingStyles const& tiling) override {
+        StGray8Pixel pixel = SmImagerMipmap::SampleLevel(u, v, level, tiling);
+        pixel.level /= 2;
+        return pixel;
+    }
+};
+
+TEST(ExportedNames, MipmapsAreMadeAndDerivedFrom) {
+    Frame const source = MakeFrame({4, 4}, SrCode("Gry8"));
+    ASSERT_TRUE(source);
+    source->SetBackground({80, 80, 80, 255});
+    source->Erase();
+    auto const mipmap = StRef<SmImagerFrame>::Adopt(SrMakeMipmapFromFrame(source.Get()));
+    ASSERT_TRUE(mipmap);
+    auto const dark = StRef<DarkMipmap>::Adopt(new DarkMipmap);
+    dark->IImagerMipmap({4, 4}, 1.0f, false);
+    dark->CopyFromLayer(mipmap.Get());
+    EXPECT_EQ(dark->Chain().levels, 3);
+    StRGBA32Pixel color{};
+    mipmap->GetFractionalUVPixel(0.5f, 0.5f, color, SkNoTilings(), 0.4f);
+    EXPECT_EQ(color.red, 80);
+    dark->GetFractionalUVPixel(0.5f, 0.5f, color, SkNoTilings(), 0.4f);
+    EXPECT_EQ(color.red, 40);
+}
+
+TEST(ExportedNames, FramesGoThroughStreams) {
+    Frame const frame = MakeFrame({2, 3}, SrCode("RG24"));
+    ASSERT_TRUE(frame);
+    frame->PutPixelAt(2, 1, StRGBA32Pixel{10, 20, 30, 255});
+    auto const stream = StRef<SmMemoryStream>::Adopt(SmMemoryStream::New());
+    stream->IMemoryStream();
+    ScCatalogWriteStream catalog;
+    catalog.ICatalogStream(stream.Get());
+    SrImagerFrameToStream(catalog, frame.Get(), 1);
+    SrWriteImagerFrameToStream(*stream, frame.Get(), 0);
+
+    ScMediaLocationOpenMedia location;
+    location.SetStream(stream.Get());
+    auto const first = Frame::Adopt(SrImagerFrameFromStream(&location, 0x100, false));
+    auto const second = Frame::Adopt(SrReadImagerFrameFromStream(*stream, false, false));
+    for (Frame const& read : {first, second}) {
+        ASSERT_TRUE(read);
+        EXPECT_EQ(read->GetRGBAPixelAt(2, 1).green, 20);
+    }
+}
+
 TEST(ExportedNames, ColorsAreConverted) {
     StColorFloats white = SkWhiteColorFloats();
     EXPECT_EQ(SrColorPower(white, 2.0f).red, 1.0f);
