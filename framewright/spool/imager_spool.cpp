@@ -81,10 +81,10 @@ void ScImagerSpool::Start(long rows, unsigned int rowBytes) {
     mCount = static_cast<std::int32_t>(rows);
     mRowBytes = rowBytes;
     try {
-        SmSpoolManager* const manager = EnsureManager();
-        manager->AddSpooler(this);
-        mManager = manager;
+        mManager = EnsureManager();
+        mManager->AddSpooler(this);  // last: other threads may evict from now on
     } catch (...) {
+        mManager = nullptr;
         ReleaseTable();
         throw;
     }

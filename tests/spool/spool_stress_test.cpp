@@ -15,7 +15,11 @@ using namespace testing_spool;
 namespace {
 
 constexpr int kFrames = 32;
+#if defined(__SANITIZE_THREAD__)
+constexpr int kSteps = 200;  // one thread, of which that sanitizer makes a long story
+#else
 constexpr int kSteps = 2000;
+#endif
 constexpr unsigned int kCap = 24 * 1024;
 /// What an operation may need at once beside the rows that its frames have already.
 constexpr unsigned int kHeadroom = 10 * 1024;
