@@ -1,5 +1,7 @@
 #include "framewright/spool/held_places.h"
 
+#include <algorithm>
+
 #include "framewright/spool/imager_spool.h"
 
 namespace spool {
@@ -55,6 +57,9 @@ void ScHeldPlaces::Release(StSpoolRow& row) {
     }
     *link = before ? before : behind;
     mBytes -= row.heldBytes;
+    // A gap may begin as far before the row as it is long.
+    std::uint64_t const gap = row.filePosition - std::min(row.filePosition, mSearchedBytes);
+    mSearchedTo = std::min(mSearchedTo, gap);
     row.heldBytes = 0;
     row.heldBefore = row.heldBehind = nullptr;
 }
@@ -70,12 +75,14 @@ std::uint64_t ScHeldPlaces::EndOfOverlap(std::uint64_t position, std::uint32_t b
     return end > position ? end : 0;
 }
 
-std::uint64_t ScHeldPlaces::FirstGap(std::uint32_t start, std::uint32_t bytes) const {
-    std::uint64_t position = start;
+std::uint64_t ScHeldPlaces::FirstGap(std::uint32_t start, std::uint32_t bytes) {
+    if (bytes < mSearchedBytes) mSearchedTo = 0;
+    mSearchedBytes = bytes;
+    mSearchedTo = std::max<std::uint64_t>(mSearchedTo, start);
     // Whatever began before that row's end would lie in it too.
-    while (std::uint64_t const end = EndOfOverlap(position, bytes))
-        position = end;
-    return position;
+    while (std::uint64_t const end = EndOfOverlap(mSearchedTo, bytes))
+        mSearchedTo = end;
+    return mSearchedTo;
 }
 
 }  // namespace spool

@@ -19,8 +19,8 @@ class ScHeldPlaces {
     bool Overlap(std::uint32_t position, std::uint32_t bytes) const {
         return EndOfOverlap(position, bytes) != 0;
     }
-    /// The first position from `start` on where `bytes` bytes hold no row.
-    std::uint64_t FirstGap(std::uint32_t start, std::uint32_t bytes) const;
+    /// The first position from `start` on where `bytes` bytes hold no row. All calls give one start.
+    std::uint64_t FirstGap(std::uint32_t start, std::uint32_t bytes);
     /// The bytes of all rows together.
     std::uint32_t Bytes() const { return mBytes; }
 
@@ -30,6 +30,9 @@ class ScHeldPlaces {
 
     StSpoolRow* mRoot = nullptr;
     std::uint32_t mBytes = 0;
+    // What the last search has found out: below this position there is no gap of so many bytes or more.
+    std::uint64_t mSearchedTo = 0;
+    std::uint32_t mSearchedBytes = 0;
 };
 
 }  // namespace spool

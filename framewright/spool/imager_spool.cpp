@@ -160,7 +160,7 @@ void ScImagerSpool::Deallocate(void* memory, std::uint64_t bytes) const {
         SrDeallocatePointer(memory, size);
 }
 
-bool ScImagerSpool::LiesIn(std::byte* block, long row) const {
+inline bool ScImagerSpool::LiesIn(std::byte* block, long row) const {
     return block && DataOf(mRows[row]) == PlaceIn(block, row);
 }
 
@@ -293,6 +293,10 @@ void ScImagerSpool::ReleaseContiguous() {
 
 // --- out of memory
 
+inline bool ScImagerSpool::MayLeave(long row) const {
+    return DataOf(mRows[row]) && IsUnlocked(mRows[row]) && !LiesIn(mLent, row);
+}
+
 void ScImagerSpool::EvictRow(long row) {
     mManager->WriteSpooledRow(mRows[row], mRowBytes);
     DropMemory(row);
@@ -308,10 +312,6 @@ unsigned int ScImagerSpool::EvictBlock() {
     mBlock = nullptr;
     mContiguous = false;
     return static_cast<unsigned int>(BlockBytes());
-}
-
-bool ScImagerSpool::MayLeave(long row) const {
-    return DataOf(mRows[row]) && IsUnlocked(mRows[row]) && !LiesIn(mLent, row);
 }
 
 ScImagerSpool::StAges ScImagerSpool::AgesOfRows() const {
