@@ -18,8 +18,16 @@ namespace {
 /// A block keeps its rows while they are few: below this number only the single oldest row is evicted.
 constexpr long kFewRows = 8;
 
+/// The resident rows are counted for so many rows together, so that a search for the oldest passes over parts
+/// of a tall frame that are in a file.
+constexpr long kRowsPerCount = 64;
+
+std::size_t CountsOf(long rows) {
+    return static_cast<std::size_t>((rows + kRowsPerCount - 1) / kRowsPerCount);
+}
+
 std::size_t TableBytes(long rows) {
-    return static_cast<std::size_t>(rows) * sizeof(StSpoolRow);
+    return static_cast<std::size_t>(rows) * sizeof(StSpoolRow) + CountsOf(rows) * sizeof(std::uint16_t);
 }
 
 StSpoolRow* NewTable(long rows) {
@@ -28,6 +36,7 @@ StSpoolRow* NewTable(long rows) {
     SrThrowIfNIL(table);
     auto* const first = static_cast<StSpoolRow*>(table);
     std::uninitialized_value_construct_n(first, rows);
+    std::uninitialized_value_construct_n(reinterpret_cast<std::uint16_t*>(first + rows), CountsOf(rows));
     return first;
 }
 
@@ -78,6 +87,7 @@ void ScImagerSpool::TearDown() {
 void ScImagerSpool::Start(long rows, unsigned int rowBytes) {
     if (rowBytes > static_cast<unsigned int>(INT32_MAX)) SrThrow(SkMemoryFull(), nullptr);
     mRows = NewTable(rows);
+    mResident = reinterpret_cast<std::uint16_t*>(mRows + rows);
     mCount = static_cast<std::int32_t>(rows);
     mRowBytes = rowBytes;
     try {
@@ -101,6 +111,7 @@ void ScImagerSpool::Stop() {
 void ScImagerSpool::ReleaseTable() {
     SrDeallocatePointer(mRows, TableBytes(mCount));
     mRows = nullptr;
+    mResident = nullptr;
     mCount = 0;
     mRowBytes = 0;
 }
@@ -133,7 +144,7 @@ void ScImagerSpool::BindRows(void* start, unsigned int) {
     mLent = static_cast<std::byte*>(start);
     for (long i = 0; i < mCount; ++i) {
         StSpoolRow& row = mRows[i];
-        row.data = start ? PlaceIn(mLent, i) : nullptr;
+        SetData(i, start ? PlaceIn(mLent, i) : nullptr);
         row.lastUse = 0;
         row.lockCount = 0;
     }
@@ -164,9 +175,17 @@ inline bool ScImagerSpool::LiesIn(std::byte* block, long row) const {
     return block && DataOf(mRows[row]) == PlaceIn(block, row);
 }
 
+void ScImagerSpool::SetData(long row, void* data) {
+    bool const was = DataOf(mRows[row]) != nullptr;
+    bool const is = data != nullptr;
+    std::uint16_t& count = mResident[row / kRowsPerCount];
+    count = static_cast<std::uint16_t>(count + is - was);
+    mRows[row].data.store(data, std::memory_order_relaxed);
+}
+
 void ScImagerSpool::DropMemory(long row) {
     if (!LiesIn(mBlock, row) && !LiesIn(mLent, row)) Deallocate(DataOf(mRows[row]), mRowBytes);
-    mRows[row].data = nullptr;
+    SetData(row, nullptr);
 }
 
 // --- into memory
@@ -209,7 +228,7 @@ void ScImagerSpool::LoadRow(long index) {
                 if (!mBlock) Deallocate(memory, mRowBytes);
                 throw;
             }
-            row.data = memory;
+            SetData(index, memory);
         }
     }
     Touch(row);
@@ -279,7 +298,7 @@ void ScImagerSpool::ForceContiguous() {
                 ReadBack(row, place);
                 Touch(row);
             }
-            row.data = place;
+            SetData(i, place);
         }
         mContiguous = true;
     }
@@ -317,6 +336,10 @@ unsigned int ScImagerSpool::EvictBlock() {
 ScImagerSpool::StAges ScImagerSpool::AgesOfRows() const {
     StAges ages;
     for (long i = 0; i < mCount; ++i) {
+        if (i % kRowsPerCount == 0 && mResident[i / kRowsPerCount] == 0) {
+            i += kRowsPerCount - 1;
+            continue;
+        }
         StSpoolRow const& row = mRows[i];
         if (!DataOf(row)) continue;
         ++ages.resident;

@@ -133,6 +133,7 @@ class FRAMEWRIGHT_EXPORT ScImagerSpool {
     bool LiesIn(std::byte* block, long row) const;
     void* Allocate(std::uint64_t bytes) const;
     void Deallocate(void* memory, std::uint64_t bytes) const;
+    void SetData(long row, void* data);
     /// The row has no memory any more; what it had of its own is given back.
     void DropMemory(long row);
 
@@ -154,6 +155,8 @@ class FRAMEWRIGHT_EXPORT ScImagerSpool {
 
     std::int32_t mCount = 0;
     StSpoolRow* mRows = nullptr;
+    std::uint16_t* mResident =
+        nullptr;  ///< behind the table: how many of each kRowsPerCount rows are resident
     std::uint32_t mRowBytes = 0;
     SmSpoolManager* mManager = nullptr;
     std::atomic<std::uint32_t> mLastUse{0};
