@@ -335,21 +335,21 @@ unsigned int ScImagerSpool::EvictBlock() {
 
 ScImagerSpool::StAges ScImagerSpool::AgesOfRows() const {
     StAges ages;
-    for (long i = 0; i < mCount; ++i) {
-        if (i % kRowsPerCount == 0 && mResident[i / kRowsPerCount] == 0) {
-            i += kRowsPerCount - 1;
-            continue;
-        }
-        StSpoolRow const& row = mRows[i];
-        if (!DataOf(row)) continue;
-        ++ages.resident;
-        if (!MayLeave(i)) continue;
-        ++ages.unlocked;
-        ages.newest = std::max(ages.newest, row.lastUse);
-        // A row never used has no age.
-        if (row.lastUse != 0 && (ages.oldest == 0 || row.lastUse < ages.oldest)) {
-            ages.oldestRow = i;
-            ages.oldest = row.lastUse;
+    for (long first = 0; first < mCount; first += kRowsPerCount) {
+        long left = mResident[first / kRowsPerCount];
+        ages.resident += left;
+        for (long i = first; left > 0; ++i) {
+            StSpoolRow const& row = mRows[i];
+            if (!DataOf(row)) continue;
+            --left;
+            if (!MayLeave(i)) continue;
+            ++ages.unlocked;
+            ages.newest = std::max(ages.newest, row.lastUse);
+            // A row never used has no age.
+            if (row.lastUse != 0 && (ages.oldest == 0 || row.lastUse < ages.oldest)) {
+                ages.oldestRow = i;
+                ages.oldest = row.lastUse;
+            }
         }
     }
     return ages;
