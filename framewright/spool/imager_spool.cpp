@@ -323,13 +323,13 @@ void ScImagerSpool::EvictRow(long row) {
 
 unsigned int ScImagerSpool::EvictBlock() {
     if (!std::all_of(mRows, mRows + mCount, IsUnlocked)) return 0;
+    // A write that fails leaves the rows before it in the file and the others in the block: not all of them.
+    mContiguous = false;
     for (long i = 0; i < mCount; ++i) {
-        // A write that fails leaves the rows before it in the file and the others in the block.
-        if (DataOf(mRows[i])) EvictRow(i);
+        if (DataOf(mRows[i]) && !LiesIn(mLent, i)) EvictRow(i);
     }
     Deallocate(mBlock, BlockBytes());
     mBlock = nullptr;
-    mContiguous = false;
     return static_cast<unsigned int>(BlockBytes());
 }
 

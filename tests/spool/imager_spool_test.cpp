@@ -504,6 +504,20 @@ TEST_F(ImagerSpool, AnIdleBlockThatCannotBeWritten_LosesNothing) {
         EXPECT_TRUE(Holds(mSpooler, i, 100));
 }
 
+TEST_F(ImagerSpool, AnIdleBlockThatWasWrittenInPart_IsMadeWholeAgain) {
+    AddFile(4 + 250);  // two rows
+    FillRows(mSpooler, {1, 2, 3}, 100);
+    mSpooler.ForceContiguous();
+    mSpooler.ReleaseContiguous();
+    EXPECT_EQ(CaughtCode([&] { mSpooler.EvictRows(1); }), SkSpoolFilesFullErrC());
+    mSpooler.ForceContiguous();
+    auto* const block = static_cast<char*>(mSpooler.GetPtrRow(0));
+    for (long i = 0; i < 3; ++i) {
+        EXPECT_EQ(mSpooler.GetPtrRow(i), block + 100 * i);
+        EXPECT_TRUE(Holds(mSpooler, i, 100));
+    }
+}
+
 // --- lent memory
 
 TEST_F(ImagerSpool, BoundRowsAreTheCallers_AndStay) {

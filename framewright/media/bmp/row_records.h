@@ -2,10 +2,12 @@
 // operations. Both roads give the same pixels; the first needs no virtual call a pixel.
 #pragma once
 
+#include <optional>
 #include <typeinfo>
 
 #include "framewright/frame/frame.h"
 #include "framewright/frame/registries.h"
+#include "framewright/frame/row_lock.h"
 #include "framewright/pixel/pixels.h"
 
 namespace bmp {
@@ -39,28 +41,20 @@ using MappedRecords = StRecordList<StMapped8Pixel, StMapped4Pixel, StMapped2Pixe
 class ScLockedRow {
   public:
     explicit ScLockedRow(SmImagerFrame* frame) : mFrame(frame) {}
-    ScLockedRow(ScLockedRow const&) = delete;
-    ScLockedRow& operator=(ScLockedRow const&) = delete;
-    ~ScLockedRow() { Unlock(); }
 
     void* At(long row) {
-        if (row != mRow) {
-            Unlock();
-            mAddress = mFrame->LockRow(row);
+        if (!mLock || row != mRow) {
+            mLock.reset();
+            mLock.emplace(*mFrame, row);
             mRow = row;
         }
-        return mAddress;
+        return mLock->Address();
     }
 
   private:
-    void Unlock() {
-        if (mRow >= 0) mFrame->UnlockRow(mRow);
-        mRow = -1;
-    }
-
     SmImagerFrame* mFrame;
-    long mRow = -1;
-    void* mAddress = nullptr;
+    long mRow = 0;
+    std::optional<frame::StRowLock> mLock;
 };
 
 }  // namespace bmp
