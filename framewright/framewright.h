@@ -35,6 +35,7 @@
 #include "framewright/pixel/depth_pixels.h"
 #include "framewright/pixel/dithered_layer.h"
 #include "framewright/pixel/float_pixels.h"
+#include "framewright/pixel/gamut.h"
 #include "framewright/pixel/gray_pixels.h"
 #include "framewright/pixel/mapped_layer.h"
 #include "framewright/pixel/mapped_pixels.h"
