@@ -63,10 +63,14 @@
 #include "framewright/spool/spool_manager.h"
 #include "framewright/spool/spool_preferences.h"
 
+#include "framewright/imagery/image.h"
+#include "framewright/imagery/image_stream.h"
+#include "framewright/imagery/layer_callback.h"
 #include "framewright/imagery/mip_chain.h"
 #include "framewright/imagery/mipmap.h"
 #include "framewright/imagery/stereo.h"
 #include "framewright/imagery/track.h"
+#include "framewright/imagery/updated.h"
 
 #include "framewright/media/bmp.h"
 #include "framewright/media/file_extension.h"

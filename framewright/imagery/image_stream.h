@@ -1,0 +1,34 @@
+// Images on a stream. Numbers are big-endian.
+//
+//     offset   size   field
+//     0        8      rows, columns
+//     8        8      vertical and horizontal resolution, floats
+//     16       flag   false; readers take any (SmStream::PutBit)
+//     ..       4      number of layers
+//     ..       ...    as many frames, see frame/frame_stream.h
+//     ..       ...    the gamut: its selector, then its own data, see pixel/gamut.h
+//
+// The layers come back by SmImagerImage::AddLayer, in their order: colour and depth find their slots, the
+// mask layer is an ordinary layer after that. Callbacks and ranges are not kept.
+#pragma once
+
+#include "framewright/imagery/image.h"
+#include "framewright/thornmere/export.h"
+
+class SmStream;
+
+/// Writes the image. Empty places in its list of layers are neither counted nor written, and an image without
+/// a gamut is written with a ScClippedGamut. The layers keep `compression`, see
+/// SmImagerFrame::SetStreamingCompression.
+FRAMEWRIGHT_EXPORT void SrPutImagerToStream(SmStream& stream, SmImagerImage* image,
+                                            unsigned short compression);
+
+/// Reads what the former wrote into `image`: the layers are added to those that are there, the rest is
+/// replaced. `spooled` and `nativeBitmap` as for SrReadImagerFrameFromStream, whose errors are thrown here
+/// too. A number of layers that is negative throws SkBadStreamFormatErrC(); one that a stream of known
+/// length cannot hold throws it too, before anything is allocated for them. A gamut of an unknown selector
+/// throws what ReadGamut does.
+///
+/// On a failure the image keeps the layers that were read whole, and its gamut.
+FRAMEWRIGHT_EXPORT void SrGetImagerFromStream(SmStream& stream, SmImagerImage* image, bool spooled,
+                                              bool nativeBitmap);
