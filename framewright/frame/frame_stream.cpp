@@ -76,6 +76,18 @@ bool MayHold(SmStream& stream, StFrameHeader const& header) {
     SrThrow(frame::NoSuchLayerError(), &message);
 }
 
+/// The frame that a header says is behind it, still without its body.
+StRef<SmImagerFrame> MakeAnnouncedFrame(SmStream& stream, bool spooled, bool nativeBitmap) {
+    StFrameHeader const header = ReadHeader(stream);
+    if (header.size.vertical < 0 || header.size.horizontal < 0) SrThrow(SkBadStreamFormatErrC(), nullptr);
+    if (!frame::FindLayerPrototype(header.pixelID, header.familyID, header.pixelSize)) ThrowNoSuchLayer();
+    if (!MayHold(stream, header)) SrThrow(SkMemoryFull(), nullptr);
+    auto frame = StRef<SmImagerFrame>::Adopt(SrImagerLayerFromType(
+        header.pixelID, header.familyID, header.pixelSize, header.size, spooled, nativeBitmap));
+    if (!frame) ThrowNoSuchLayer();
+    return frame;
+}
+
 }  // namespace
 
 unsigned long SrGetImagerFrameFileType() {
@@ -93,13 +105,13 @@ void SrWriteImagerFrameToStream(SmStream& stream, SmImagerFrame* frame, unsigned
 }
 
 SmImagerFrame* SrReadImagerFrameFromStream(SmStream& stream, bool spooled, bool nativeBitmap) {
-    StFrameHeader const header = ReadHeader(stream);
-    if (header.size.vertical < 0 || header.size.horizontal < 0) SrThrow(SkBadStreamFormatErrC(), nullptr);
-    if (!frame::FindLayerPrototype(header.pixelID, header.familyID, header.pixelSize)) ThrowNoSuchLayer();
-    if (!MayHold(stream, header)) SrThrow(SkMemoryFull(), nullptr);
-    SmImagerFrame* const frame = SrImagerLayerFromType(header.pixelID, header.familyID, header.pixelSize,
-                                                       header.size, spooled, nativeBitmap);
-    if (!frame) ThrowNoSuchLayer();
+    SmImagerFrame* const frame = MakeAnnouncedFrame(stream, spooled, nativeBitmap).Release();
+    frame->ReadFrom(&stream);
+    return frame;
+}
+
+StRef<SmImagerFrame> frame::ReadFrameFromStream(SmStream& stream, bool spooled, bool nativeBitmap) {
+    StRef<SmImagerFrame> frame = MakeAnnouncedFrame(stream, spooled, nativeBitmap);
     frame->ReadFrom(&stream);
     return frame;
 }

@@ -321,12 +321,18 @@ TEST(FrameRecord, StreamsOfUnknownLengthRead) {
 class Maker : public PlainLayer<StGray8Pixel> {
   public:
     static SmImagerFrame* made;
-    SmImagerFrame* CloneAtNewSize(StPoint const& size, bool spooled, bool nativeBitmap) override {
-        made = PlainLayer<StGray8Pixel>::CloneAtNewSize(size, spooled, nativeBitmap);
-        return made;
+    static long living;
+    Maker() { ++living; }
+    ~Maker() override { --living; }
+    SmImagerFrame* CloneAtNewSize(StPoint const& size, bool, bool) override {
+        auto layer = StRef<Maker>::Adopt(new Maker);
+        layer->IImagerLayer({0, 0}, size, false, nullptr, 0, nullptr);
+        made = layer.Get();
+        return layer.Release();
     }
 };
 SmImagerFrame* Maker::made = nullptr;
+long Maker::living = 0;
 
 /// Puts a Maker in the place of the grey prototype.
 struct MakerGuard {
@@ -385,6 +391,20 @@ TEST(FrameRecord, AFrameWhoseBodyThrows_KeepsItsReference) {
         EXPECT_EQ(Maker::made->ReferenceCount(), 1);
         Maker::made->ReleaseReference();
     }
+}
+
+TEST(FrameRecord, ReadersOfSeveralFrames_KeepNoneWhoseBodyThrows) {
+    MakerGuard const guard;
+    Maker::made = nullptr;
+    long const living = Maker::living;
+    auto const bad = Stream(Record({}, 2, 3, Bytes(64, 0)));
+    EXPECT_EQ(ThrownBy([&] { frame::ReadFrameFromStream(*bad, false, false); }), SkBadStreamFormatErrC());
+    ASSERT_NE(Maker::made, nullptr);
+    EXPECT_EQ(Maker::living, living);
+    auto const good = Stream(Record({}, 0, 3, {1, 2, 3, 4, 5, 6}));
+    FrameRef const read = frame::ReadFrameFromStream(*good, false, false);
+    EXPECT_EQ(read->ReferenceCount(), 1);
+    EXPECT_EQ(At(*read, 2, 1)[0], 6);
 }
 
 TEST(FrameRecord, Catalog_HoldsASection) {
