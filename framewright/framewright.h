@@ -68,6 +68,8 @@
 #include "framewright/imagery/layer_callback.h"
 #include "framewright/imagery/mip_chain.h"
 #include "framewright/imagery/mipmap.h"
+#include "framewright/imagery/movie.h"
+#include "framewright/imagery/sequence.h"
 #include "framewright/imagery/stereo.h"
 #include "framewright/imagery/track.h"
 #include "framewright/imagery/updated.h"

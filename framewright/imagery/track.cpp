@@ -4,7 +4,6 @@
 #include <memory>
 
 #include "framewright/frame/frame.h"
-#include "framewright/thornmere/numbers.h"
 #include "framewright/thornmere/settings.h"
 
 SR_DEPENDS_ON(SrInitMemory);
@@ -28,10 +27,6 @@ std::unique_ptr<Flag> gMipmappingDisabled;
 
 constexpr StStereoArrangement kAlternatingEyes = 4;
 constexpr double kAlmostNoRate = 0.00001;
-constexpr double kAlmostNoDuration = 1e-10;
-constexpr double kFrameSlack = 0.00001;
-// Entries have 32-bit numbers.
-constexpr long kLastEntry = INT32_MAX;
 
 }  // namespace
 
@@ -61,9 +56,7 @@ void SmImagerTrack::IImagerTrack() {
 
 void SmImagerTrack::CloneFrom(SmImagerTrack const& other) {
     SmObject::CloneFrom(other);
-    mFrames.reserve(other.mFrames.size());
-    for (StRef<SmImagerFrame> const& frame : other.mFrames)
-        mFrames.push_back(StRef<SmImagerFrame>::Adopt(frame ? frame->Clone() : nullptr));
+    mFrames.AppendClones(other.mFrames);
     mDesiredSize = other.mDesiredSize;
     mNumberOfFrames = other.mNumberOfFrames;
     mFrameRate = other.mFrameRate;
@@ -78,7 +71,7 @@ void SmImagerTrack::CloneFrom(SmImagerTrack const& other) {
 }
 
 void SmImagerTrack::Free() {
-    mFrames.clear();
+    mFrames.Clear();
     mPrototypeFrame = nullptr;
     SmObject::Free();
 }
@@ -93,29 +86,19 @@ SmImagerFrame* SmImagerTrack::GetFrame(long frame, StLeftOrRight) {
 void SmImagerTrack::SaveFrame(long, StLeftOrRight) {}
 
 void SmImagerTrack::SetFrame(long frame, SmImagerFrame* image) {
-    if (frame < 0) frame = 0;
-    if (frame > kLastEntry) SrThrow(SkMemoryFull(), nullptr);
-    auto const entry = static_cast<std::size_t>(frame);
-    while (mFrames.size() <= entry)
-        mFrames.push_back(nullptr);
-    mFrames[entry] = image;
+    mFrames.Put(frame, image);
 }
 
 void SmImagerTrack::ReleaseFrame(long frame) {
-    if (GetStoredEntry(frame)) mFrames[static_cast<std::size_t>(frame)] = nullptr;
+    mFrames.Drop(frame);
 }
 
 SmImagerFrame* SmImagerTrack::GetStoredFrame(long frame) {
-    return GetStoredEntry(frame);
-}
-
-SmImagerFrame* SmImagerTrack::GetStoredEntry(long frame) {
-    bool const there = frame >= 0 && static_cast<std::size_t>(frame) < mFrames.size();
-    return there ? mFrames[static_cast<std::size_t>(frame)].Get() : nullptr;
+    return mFrames.At(frame);
 }
 
 void SmImagerTrack::ClearFrames() {
-    mFrames.clear();
+    mFrames.Clear();
 }
 
 void SmImagerTrack::SetPrototypeFrame(SmImagerFrame* prototype) {
@@ -128,16 +111,8 @@ SmImagerFrame* SmImagerTrack::GetPrototypeFrame() {
 // --- time
 
 long SmImagerTrack::FrameNumberForTime(double seconds) {
-    if (!mLoop) {
-        float const value = mFrameRate * static_cast<float>(seconds) + static_cast<float>(kFrameSlack);
-        return SrITrunc(std::floor(value));
-    }
-    double const duration = GetDuration();
-    if (!(std::fabs(duration) > kAlmostNoDuration)) return 0;
-    std::int32_t const cycle = SrITrunc(std::floor(seconds / duration));
-    double rest = seconds - cycle * duration;
-    if (mPingPong && cycle % 2 != 0) rest = duration - rest;
-    return SrITrunc(std::floor(mFrameRate * rest + kFrameSlack));
+    if (!mLoop) return imagery::FrameNumberForTime(seconds, mFrameRate);
+    return imagery::LoopedFrameNumberForTime(seconds, mFrameRate, GetDuration(), mPingPong);
 }
 
 double SmImagerTrack::GetDuration() {

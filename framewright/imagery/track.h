@@ -4,12 +4,12 @@
 
 #include "framewright/core/startup.h"
 #include "framewright/frame/geometry.h"
+#include "framewright/imagery/sequence.h"
 #include "framewright/imagery/stereo.h"
 #include "framewright/thornmere/codes.h"
 #include "framewright/thornmere/export.h"
 #include "framewright/thornmere/object.h"
 #include "framewright/thornmere/reference.h"
-#include "framewright/thornmere/vector.h"
 
 class SmImagerFrame;
 
@@ -80,10 +80,11 @@ class FRAMEWRIGHT_EXPORT SmImagerTrack : public SmManaged<SmImagerTrack> {
     /// Has a clone of each entry; shares the prototype.
     void CloneFrom(SmImagerTrack const& other);
 
-  private:
-    SmImagerFrame* GetStoredEntry(long frame);
+    /// The array of entries, whatever GetStoredFrame does.
+    ScSequence<SmImagerFrame> const& Entries() const { return mFrames; }
 
-    ScVector<StRef<SmImagerFrame>> mFrames;
+  private:
+    ScSequence<SmImagerFrame> mFrames;
     StPoint mDesiredSize{200, 320};
     std::int32_t mNumberOfFrames = 1;
     float mFrameRate = 30.0F;
