@@ -1,39 +1,28 @@
 // Reads anything as the stream form of a colour map. A map that was read is used, written, and read again,
 // which must give the same bytes.
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 
 #include "framewright/pixel/color_map.h"
-#include "framewright/thornmere/error.h"
 #include "framewright/thornmere/memory.h"
-#include "framewright/thornmere/reference.h"
-#include "framewright/thornmere/stream.h"
+#include "fuzz/input.h"
 
 namespace {
 
 using ColorMap = ScColorMap<unsigned char, StRGBA32Pixel>;
 
-StRef<SmMemoryStream> StreamOf(void const* data, std::size_t size) {
-    auto stream = StRef<SmMemoryStream>::Adopt(SmMemoryStream::New());
-    stream->IMemoryStream(data, static_cast<unsigned int>(size));
-    return stream;
-}
-
 void Run(std::uint8_t const* data, std::size_t size) {
     ColorMap map;
-    map.GetFromStream(*StreamOf(data, size));
+    map.GetFromStream(*MemoryStream(data, size));
 
-    auto const first = StreamOf(nullptr, 0);
+    auto const first = MemoryStream(nullptr, 0);
     map.PutToStream(*first);
     ColorMap again;
-    again.GetFromStream(*StreamOf(first->Data(), first->GetLength()));
-    auto const second = StreamOf(nullptr, 0);
+    again.GetFromStream(*MemoryStream(first->Data(), first->GetLength()));
+    auto const second = MemoryStream(nullptr, 0);
     again.PutToStream(*second);
-    if (first->GetLength() != second->GetLength() ||
-        std::memcmp(first->Data(), second->Data(), first->GetLength()) != 0) {
-        std::abort();
-    }
+    Check(first->GetLength() == second->GetLength());
+    Check(std::memcmp(first->Data(), second->Data(), first->GetLength()) == 0);
 
     // Lookups write to the cache, colours change the used count: whatever came from the stream, no index
     // leads outside.
@@ -64,8 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     } catch (std::exception const& exception) {
         ScMessageClass* message = nullptr;
         long const code = SrGetExceptionValues(exception, message);
-        if (code != SkEndOfFile() && code != SkBadFileVersionErrC() && code != SkBadFileFormatErrC())
-            std::abort();
+        Check(code == SkEndOfFile() || code == SkBadFileVersionErrC() || code == SkBadFileFormatErrC());
     }
     return 0;
 }

@@ -4,7 +4,6 @@
 // The first byte chooses the kind of stream: bit 0 one that only runs forward and does not know its length,
 // bit 1 rows that may leave memory. The record is behind it.
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 
 #include "framewright/frame/frame_limit.h"
@@ -13,18 +12,13 @@
 #include "framewright/frame/registries.h"
 #include "framewright/pixel/dithered_layer.h"
 #include "framewright/pixel/mapped_layer.h"
-#include "framewright/thornmere/error.h"
 #include "framewright/thornmere/memory.h"
-#include "framewright/thornmere/stream.h"
+#include "fuzz/input.h"
 
 namespace {
 
 constexpr std::size_t kGreatestFrame = 1 << 18;
 constexpr std::size_t kGreatestBlock = 1 << 20;
-
-void Check(bool condition) {
-    if (!condition) std::abort();
-}
 
 /// A frame whose body could not be read stays with whoever made it: here, with the prototype that was asked.
 SmImagerFrame* gMade = nullptr;
@@ -46,29 +40,6 @@ void ReplacePrototype() {
     maker->IImagerLayer({0, 0}, {1, 1}, false, nullptr, 0, nullptr);
     ScLayerRegistry::UnRegisterObject(Layer::Class());
     ScLayerRegistry::RegisterObject(Layer::Class(), maker.Get());
-}
-
-/// A stream that only runs forward.
-class ForwardStream : public SmStream {
-  public:
-    ForwardStream(std::uint8_t const* data, std::size_t size) : mData(data), mLeft(size) {}
-    void* Read(unsigned int size, void* destination) override {
-        if (size > mLeft) SrThrow(SkEndOfFile(), nullptr);
-        if (size > 0) std::memcpy(destination, mData, size);
-        mData += size;
-        mLeft -= size;
-        return destination;
-    }
-
-  private:
-    std::uint8_t const* mData;
-    std::size_t mLeft;
-};
-
-StRef<SmMemoryStream> MemoryStream(std::uint8_t const* data, std::size_t size) {
-    auto stream = StRef<SmMemoryStream>::Adopt(SmMemoryStream::New());
-    stream->IMemoryStream(data, static_cast<unsigned int>(size));
-    return stream;
 }
 
 /// These records read where they should write.
@@ -94,8 +65,7 @@ void WriteAndReadAgain(SmImagerFrame& frame, unsigned short compression) {
 
 void Run(std::uint8_t const* data, std::size_t size) {
     bool const forward = data[0] & 1, spooled = data[0] & 2;
-    StRef<SmStream> const stream = forward ? StRef<SmStream>::Adopt(new ForwardStream(data + 1, size - 1))
-                                           : StRef<SmStream>(MemoryStream(data + 1, size - 1).Get());
+    auto const stream = StreamOf(data + 1, size - 1, forward);
     auto const frame = StRef<SmImagerFrame>::Adopt(SrReadImagerFrameFromStream(*stream, spooled, false));
     gMade = nullptr;
     Check(frame.Get());

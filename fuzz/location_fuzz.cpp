@@ -1,13 +1,12 @@
 // Media location records: the first byte says what is behind the stream, the rest is the record. What can be
 // read is renumbered, written and read back.
 #include <cstdint>
-#include <cstdlib>
 #include <exception>
 #include <memory>
 
 #include "framewright/media/media_location.h"
 #include "framewright/thornmere/memory.h"
-#include "framewright/thornmere/stream.h"
+#include "fuzz/input.h"
 
 namespace {
 
@@ -22,10 +21,6 @@ class StFileBehind : public SmMemoryStream {
     }
 };
 
-void Require(bool condition) {
-    if (!condition) std::abort();
-}
-
 StRef<SmMemoryStream> NewStream(bool hasFile, void const* bytes, std::size_t size) {
     auto stream = StRef<SmMemoryStream>::Adopt(hasFile ? new StFileBehind : SmMemoryStream::New());
     stream->IMemoryStream(bytes, static_cast<unsigned int>(size));
@@ -39,15 +34,15 @@ void Exercise(ScMediaLocation& location, bool hasFile) {
     location.GetFileSpec(spec);
     if (location.GetSequence() >= 0) location.SetSequence(location.GetSequence() + 1);
     std::unique_ptr<ScMediaLocation> const copy(location.Clone());
-    Require(copy->GetClass() == location.GetClass());
+    Check(copy->GetClass() == location.GetClass());
 
     auto const written = NewStream(hasFile, nullptr, 0);
     copy->WriteTo(written.Get());
     if (written->GetLength() == 0) return;  // an open stream is not written
     written->SetPosition(0);
     std::unique_ptr<ScMediaLocation> const again(SrReadMediaLocationFromStream(written.Get()));
-    Require(again->GetClass() == copy->GetClass());
-    Require(written->GetPosition() == written->GetLength());
+    Check(again->GetClass() == copy->GetClass());
+    Check(written->GetPosition() == written->GetLength());
 }
 
 }  // namespace

@@ -118,6 +118,12 @@ void ScImagerSpool::ReleaseTable() {
 
 void ScImagerSpool::ReleaseStorage() {
     StHold const storage(spool::gStorageLock);
+    ReleaseRows();
+    if (mBlock) Deallocate(mBlock, BlockBytes());
+    mBlock = nullptr;
+}
+
+void ScImagerSpool::ReleaseRows() {
     bool const mayFree = ScThread::InFirstClassThread();
     for (long i = 0; i < mCount; ++i) {
         StSpoolRow& row = mRows[i];
@@ -131,8 +137,6 @@ void ScImagerSpool::ReleaseStorage() {
         }
         row.filePosition = 0;
     }
-    if (mBlock) Deallocate(mBlock, BlockBytes());
-    mBlock = nullptr;
     mContiguous = false;
     mLent = nullptr;
 }
@@ -140,7 +144,11 @@ void ScImagerSpool::ReleaseStorage() {
 void ScImagerSpool::BindRows(void* start, unsigned int) {
     StHold const storage(spool::gStorageLock);
     if (HasSpooledRows()) spool::RequireFirstClassThread();
-    ReleaseStorage();
+    // Who asked for contiguous rows has their addresses.
+    if (IsContiguous())
+        ReleaseRows();
+    else
+        ReleaseStorage();
     mLent = static_cast<std::byte*>(start);
     for (long i = 0; i < mCount; ++i) {
         StSpoolRow& row = mRows[i];
@@ -211,7 +219,8 @@ void ScImagerSpool::LoadRow(long index) {
     StSpoolRow& row = mRows[index];
     StHold storage(spool::gStorageLock);
     if (!DataOf(row)) {
-        void* memory = mBlock ? PlaceIn(mBlock, index) : Allocate(mRowBytes);
+        bool const inBlock = mBlock != nullptr;
+        void* memory = inBlock ? PlaceIn(mBlock, index) : Allocate(mRowBytes);
         if (!memory) {
             storage.Exit();
             EvictRows(mRowBytes);
@@ -225,7 +234,7 @@ void ScImagerSpool::LoadRow(long index) {
             try {
                 ReadBack(row, memory);
             } catch (...) {
-                if (!mBlock) Deallocate(memory, mRowBytes);
+                if (!inBlock) Deallocate(memory, mRowBytes);
                 throw;
             }
             SetData(index, memory);

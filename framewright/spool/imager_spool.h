@@ -71,7 +71,8 @@ class FRAMEWRIGHT_EXPORT ScImagerSpool {
 
     /// Binds row i to start + i * row bytes, memory that the caller lends: such rows count as resident, never
     /// used and not locked, and do not leave for a file. With a null start all rows are untouched. Either way
-    /// the contents are dropped. The distance is the spooler's row bytes. -29299 as for Resize.
+    /// the contents are dropped; a block that is in use stays for those who have its addresses. The distance
+    /// is the spooler's row bytes. -29299 as for Resize.
     void BindRows(void* start, unsigned int rowBytes);
 
     /// The row's address. Resident: one load and one test; else the row is loaded (-108, -29299, or what the
@@ -144,8 +145,10 @@ class FRAMEWRIGHT_EXPORT ScImagerSpool {
     bool HasSpooledRows() const;
     void Start(long rows, unsigned int rowBytes);
     void Stop();
-    /// All rows become untouched.
+    /// All rows become untouched, and the block is given back.
     void ReleaseStorage();
+    /// The same, but the block stays. Under the storage lock.
+    void ReleaseRows();
     void ReleaseTable();
     /// Whether the row is in memory that eviction could give back.
     bool MayLeave(long row) const;

@@ -10,7 +10,8 @@ static constexpr unsigned char kMark[] = {'l', 's', 'P', 'S'};
 void StSpoolFile::Create(StFileSpec const& place, std::uint32_t maximum) {
     spec = place;
     maximumSize = maximum;
-    if (long const error = SrFileCreate(spec, SkNoFileInfo())) SrThrow(error, nullptr);
+    // What a file will hold are pictures, and whatever memory held before them: they are the user's alone.
+    if (long const error = SrFileCreatePrivate(spec)) SrThrow(error, nullptr);
     try {
         SrFileOpen(spec, file, kFileReadWrite);
         SrFileWrite(file, kMark, sizeof(kMark));

@@ -76,12 +76,20 @@ long SrFileClose(unsigned int fileRef, bool) {
     return CodeOfSystemError(errno);
 }
 
-long SrFileCreate(StFileSpec const& spec, StFileInfo const&) {
+static long CreateFile(StFileSpec const& spec, mode_t mode) {
     int const flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
-    int const descriptor = RetryInterrupted([&] { return open(spec.GetPath(), flags, 0666); });
+    int const descriptor = RetryInterrupted([&] { return open(spec.GetPath(), flags, mode); });
     if (descriptor < 0) return CodeOfSystemError(errno);
     close(descriptor);
     return SkNoError();
+}
+
+long SrFileCreate(StFileSpec const& spec, StFileInfo const&) {
+    return CreateFile(spec, 0666);
+}
+
+long SrFileCreatePrivate(StFileSpec const& spec) {
+    return CreateFile(spec, 0600);
 }
 
 long SrFileDelete(StFileSpec const& spec) {

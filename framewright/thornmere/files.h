@@ -73,6 +73,8 @@ FRAMEWRIGHT_EXPORT long SrFileClose(unsigned int fileRef, bool flush);
 /// Makes an empty file. On an existing name gives -48 and leaves the file alone. `info` is not stored: a
 /// file's type is its extension here.
 FRAMEWRIGHT_EXPORT long SrFileCreate(StFileSpec const& spec, StFileInfo const& info);
+/// The same for a file that nobody but the user may read or write.
+FRAMEWRIGHT_EXPORT long SrFileCreatePrivate(StFileSpec const& spec);
 FRAMEWRIGHT_EXPORT long SrFileDelete(StFileSpec const& spec);
 /// Reads at the file's position and moves it. Gives the bytes read, fewer only at the end of the file; a
 /// failure throws -36.

@@ -508,14 +508,34 @@ TEST_F(ImagerSpool, AnIdleBlockThatWasWrittenInPart_IsMadeWholeAgain) {
     AddFile(4 + 250);  // two rows
     FillRows(mSpooler, {1, 2, 3}, 100);
     mSpooler.ForceContiguous();
+    auto* const block = static_cast<char*>(mSpooler.GetPtrRow(0));
     mSpooler.ReleaseContiguous();
     EXPECT_EQ(CaughtCode([&] { mSpooler.EvictRows(1); }), SkSpoolFilesFullErrC());
     mSpooler.ForceContiguous();
-    auto* const block = static_cast<char*>(mSpooler.GetPtrRow(0));
+    std::fill_n(block, 300, 'x');  // as a child does, which asks the spooler for no row
     for (long i = 0; i < 3; ++i) {
-        EXPECT_EQ(mSpooler.GetPtrRow(i), block + 100 * i);
-        EXPECT_TRUE(Holds(mSpooler, i, 100));
+        auto* const row = static_cast<char*>(mSpooler.GetPtrRow(i));
+        EXPECT_EQ(row, block + 100 * i);
+        EXPECT_EQ(row[99], 'x') << "row " << i;
     }
+}
+
+TEST_F(ImagerSpool, ABlockInUseOutlivesTheBindingOfItsRows) {
+    AddFile();
+    FillRows(mSpooler, {1, 2}, 100);
+    mSpooler.ForceContiguous();
+    auto* const block = static_cast<char*>(mSpooler.GetPtrRow(0));
+    std::vector<char> lent(200);
+    mSpooler.BindRows(lent.data(), 100);
+    EXPECT_TRUE(mSpooler.IsContiguous());
+    EXPECT_EQ(mSpooler.GetPtrRow(1), lent.data() + 100);
+    EXPECT_EQ(Manager().MemoryInUse(), 200u);
+    block[199] = 'x';  // still there for those who have its address
+    EXPECT_EQ(mSpooler.EvictRows(1), 0u);
+    mSpooler.ReleaseContiguous();
+    EXPECT_EQ(mSpooler.EvictRows(1), 200u) << "the block alone, no row of the caller's";
+    EXPECT_EQ(mSpooler.GetPtrRow(1), lent.data() + 100);
+    EXPECT_EQ(Manager().MemoryInUse(), 0u);
 }
 
 // --- lent memory
@@ -536,6 +556,7 @@ TEST_F(ImagerSpool, BoundRowsAreTheCallers_AndStay) {
     mSpooler.ForceContiguous();
     EXPECT_EQ(static_cast<char*>(mSpooler.GetPtrRow(1))[50], 'x');
     EXPECT_NE(mSpooler.GetPtrRow(0), block.data());
+    mSpooler.ReleaseContiguous();
     mSpooler.BindRows(nullptr, 100);
     EXPECT_EQ(Manager().MemoryInUse(), 0u);
     EXPECT_NE(mSpooler.GetPtrRow(0), block.data());

@@ -94,6 +94,13 @@ TEST_F(SpoolManager, ASpoolFileIsNamedByTheTick_AndStartsWithItsMark) {
     EXPECT_EQ(Files(), (std::vector<std::string>{"T0012345678.STch", "T4294967295.STch"}));
 }
 
+TEST_F(SpoolManager, OnlyTheUserMayReadASpoolFile) {
+    using std::filesystem::perms;
+    AddFile();
+    EXPECT_EQ(std::filesystem::status(Folder() / Files()[0]).permissions(),
+              perms::owner_read | perms::owner_write);
+}
+
 TEST_F(SpoolManager, SpoolFilesGoWithTheManager) {
     AddFile();
     AddFile();
