@@ -60,6 +60,7 @@
 #include "framewright/frame/registries.h"
 
 #include "framewright/spool/imager_spool.h"
+#include "framewright/spool/scratch.h"
 #include "framewright/spool/spool_manager.h"
 #include "framewright/spool/spool_preferences.h"
 

@@ -1,7 +1,6 @@
 #include "framewright/spool/spool_manager.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <limits>
 #include <memory>
 #include <thread>
@@ -9,6 +8,7 @@
 #include "framewright/spool/imager_spool.h"
 #include "framewright/spool/spool_file.h"
 #include "framewright/spool/spool_locks.h"
+#include "framewright/spool/t_name.h"
 #include "framewright/thornmere/error.h"
 #include "framewright/thornmere/memory.h"
 #include "framewright/thornmere/numbers.h"
@@ -20,9 +20,7 @@ namespace {
 constexpr unsigned int kMaximumFileSize = 0x20000000;
 
 void SetTickName(StFileSpec& spec, std::uint32_t tick) {
-    char name[16];
-    std::snprintf(name, sizeof(name), "T%010lu", static_cast<unsigned long>(tick));
-    spec.SetFileName(name);
+    spec.SetFileName(spool::StTName(tick).text);
 }
 
 struct StDisposeRecord {
