@@ -72,6 +72,7 @@
 #include "framewright/imagery/movie.h"
 #include "framewright/imagery/sequence.h"
 #include "framewright/imagery/stereo.h"
+#include "framewright/imagery/subframe.h"
 #include "framewright/imagery/track.h"
 #include "framewright/imagery/updated.h"
 
