@@ -18,6 +18,7 @@
 #include "framewright/thornmere/string_lists.h"
 #include "framewright/thornmere/text.h"
 #include "framewright/thornmere/threads.h"
+#include "framewright/thornmere/time_varying.h"
 #include "framewright/thornmere/vector.h"
 
 #include "framewright/core/startup.h"
@@ -47,6 +48,7 @@
 #include "framewright/pixel/row_access.h"
 #include "framewright/pixel/row_packing.h"
 #include "framewright/pixel/smart_pixel.h"
+#include "framewright/pixel/time_varying.h"
 #include "framewright/pixel/word_pixels.h"
 
 #include "framewright/frame/frame.h"

@@ -37,7 +37,7 @@ ScGamut* CloneOf(Gamut const& gamut) {
     return clone;
 }
 
-/// What `value` does to a pair of flags: above the range, or else below it.
+/// Whether one of the values that were looked at is above the range, and whether one is below it.
 struct StOutside {
     bool above = false, below = false;
 
@@ -71,12 +71,12 @@ void ScaleColors(Color& color) {
     color.blue = (color.blue - low) * scale;
 }
 
-class ClippedModifyIterator : public ScColorSampleIterator {
+class ClippedModifyIterator final : public ScColorSampleIterator {
   public:
     void HandleSample(long, float& sample) override { Clip(sample); }
 };
 
-class ScaledMaxIterator : public ScColorSampleIterator {
+class ScaledMaxIterator final : public ScColorSampleIterator {
   public:
     void HandleSample(long, float& sample) override {
         if (sample > mMax) mMax = sample;
@@ -90,7 +90,7 @@ class ScaledMaxIterator : public ScColorSampleIterator {
     float mMin = 0.0f;
 };
 
-class ScaledModifyIterator : public ScColorSampleIterator {
+class ScaledModifyIterator final : public ScColorSampleIterator {
   public:
     ScaledModifyIterator(float scale, float offset) : mScale(scale), mOffset(offset) {}
     void HandleSample(long, float& sample) override { sample = (sample - mOffset) * mScale; }
@@ -100,7 +100,7 @@ class ScaledModifyIterator : public ScColorSampleIterator {
     float mOffset;
 };
 
-class DebugOverflowIterator : public ScColorSampleIterator {
+class DebugOverflowIterator final : public ScColorSampleIterator {
   public:
     void HandleSample(long, float& sample) override { mOutside.Look(sample); }
     bool Overflowed() const { return mOutside.above; }
