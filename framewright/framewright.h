@@ -71,6 +71,7 @@
 #include "framewright/imagery/layer_callback.h"
 #include "framewright/imagery/mip_chain.h"
 #include "framewright/imagery/mipmap.h"
+#include "framewright/imagery/primitives.h"
 #include "framewright/imagery/movie.h"
 #include "framewright/imagery/sequence.h"
 #include "framewright/imagery/stereo.h"
