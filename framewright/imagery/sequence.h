@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "framewright/imagery/stereo.h"
 #include "framewright/thornmere/error.h"
 #include "framewright/thornmere/reference.h"
 #include "framewright/thornmere/vector.h"
@@ -48,6 +49,12 @@ class ScSequence {
 };
 
 namespace imagery {
+
+constexpr StStereoArrangement kEyesAbove = 1;
+constexpr StStereoArrangement kEyesBeside = 2;
+constexpr StStereoArrangement kEyesAlternate = 4;
+constexpr StLeftOrRight kLeftEye = 1;
+constexpr StLeftOrRight kRightEye = 2;
 
 /// The number of the frame to show at a time, rounded down and not limited to any count. A hundred-thousandth
 /// of a frame is added, so that a time just short of a frame gives it. In single precision.

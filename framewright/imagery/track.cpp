@@ -4,6 +4,8 @@
 #include <memory>
 
 #include "framewright/frame/frame.h"
+#include "framewright/imagery/mipmap.h"
+#include "framewright/imagery/stereo.h"
 #include "framewright/thornmere/settings.h"
 
 SR_DEPENDS_ON(SrInitMemory);
@@ -25,7 +27,6 @@ namespace {
 using Flag = ScPersistentData<bool, ScNormalPersistentBehavior<bool>>;
 std::unique_ptr<Flag> gMipmappingDisabled;
 
-constexpr StStereoArrangement kAlternatingEyes = 4;
 constexpr double kAlmostNoRate = 0.00001;
 
 }  // namespace
@@ -73,14 +74,28 @@ void SmImagerTrack::CloneFrom(SmImagerTrack const& other) {
 void SmImagerTrack::Free() {
     mFrames.Clear();
     mPrototypeFrame = nullptr;
+    mLastStereoFrame = nullptr;
     SmObject::Free();
 }
 
 // --- frames
 
-SmImagerFrame* SmImagerTrack::GetFrame(long frame, StLeftOrRight) {
-    if (mStereoArrangement == kAlternatingEyes) frame = frame / 2 + (mStereoFirstEye == 2 ? 1 : 0);
-    return GetStoredFrame(frame);
+SmImagerFrame* SmImagerTrack::GetFrame(long frame, StLeftOrRight eye) {
+    if (mStereoArrangement == imagery::kEyesAlternate)
+        frame = frame / 2 + (mStereoFirstEye == imagery::kRightEye ? 1 : 0);
+    SmImagerFrame* const stored = GetStoredFrame(frame);
+    if (mStereoArrangement == 0) return AsMipmap(frame, stored);
+    mLastStereoFrame =
+        StRef<SmImagerFrame>::Adopt(SrStereoSubframe(stored, mStereoArrangement, eye, mStereoGap));
+    return AsMipmap(frame, mLastStereoFrame.Get());
+}
+
+SmImagerFrame* SmImagerTrack::AsMipmap(long frame, SmImagerFrame* image) {
+    if (!image || !mMipmapping || image->IsUVTriLinear()) return image;
+    auto const mipmap = StRef<SmImagerFrame>::Adopt(SrMakeMipmapFromFrame(image));
+    if (!mipmap) return image;
+    SetFrame(frame, mipmap.Get());
+    return mipmap.Get();
 }
 
 void SmImagerTrack::SaveFrame(long, StLeftOrRight) {}

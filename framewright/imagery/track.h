@@ -24,9 +24,16 @@ class FRAMEWRIGHT_EXPORT SmImagerTrack : public SmManaged<SmImagerTrack> {
 
     // The virtual operations, in slot order.
 
-    /// The stored frame of that number, whole: it is neither cut to one eye nor turned into a mipmap. With
-    /// arrangement 4 two numbers share a moment, and the entry is frame / 2, one more where the first eye is
-    /// 2; `eye` plays no part in that. Borrowed; null where nothing is stored.
+    /// The stored frame of that number, for an eye: 1 left, 2 right. Borrowed: good until the next call on
+    /// the track that reads, stores or drops an entry. Null where nothing is stored.
+    ///
+    /// With arrangement 1 or 2 it is a window (SmImagerSubframe) on that eye's half. With arrangement 4 two
+    /// numbers share a moment, and the entry is frame / 2, one more where the first eye is 2; `eye` plays no
+    /// part in that.
+    ///
+    /// With mipmapping on, a frame that is no mipmap is turned into one, which takes its entry: the next call
+    /// finds it ready. Frames of pixel types without mipmaps stay. The trap: of a stereo frame it is the half
+    /// that was cut which takes the entry, so mipmapping and eyes are better not set together.
     virtual SmImagerFrame* GetFrame(long frame, StLeftOrRight eye);
     /// The second storing operation: keeps a changed frame for good. Nothing at this level.
     virtual void SaveFrame(long frame, StLeftOrRight eye);
@@ -58,7 +65,7 @@ class FRAMEWRIGHT_EXPORT SmImagerTrack : public SmManaged<SmImagerTrack> {
     /// The entry as it stands; borrowed, null outside the array.
     virtual SmImagerFrame* GetStoredFrame(long frame);
 
-    // Wishes for frames that are made for this track. Nothing at this level reads them.
+    // Wishes for frames that are made for this track. Mipmapping apart, tracks with media alone read them.
 
     /// Rows, columns.
     StPoint GetDesiredSize() { return mDesiredSize; }
@@ -77,13 +84,15 @@ class FRAMEWRIGHT_EXPORT SmImagerTrack : public SmManaged<SmImagerTrack> {
   protected:
     SmImagerTrack();
     ~SmImagerTrack() override;
-    /// Has a clone of each entry; shares the prototype.
+    /// Has a clone of each entry; shares the prototype. The window that was cut last stays behind.
     void CloneFrom(SmImagerTrack const& other);
 
     /// The array of entries, whatever GetStoredFrame does.
     ScSequence<SmImagerFrame> const& Entries() const { return mFrames; }
 
   private:
+    SmImagerFrame* AsMipmap(long frame, SmImagerFrame* image);
+
     ScSequence<SmImagerFrame> mFrames;
     StPoint mDesiredSize{200, 320};
     std::int32_t mNumberOfFrames = 1;
@@ -96,6 +105,7 @@ class FRAMEWRIGHT_EXPORT SmImagerTrack : public SmManaged<SmImagerTrack> {
     std::uint32_t mSizingMode = SrCode("CROP");
     bool mMipmapping = false;
     StRef<SmImagerFrame> mPrototypeFrame;
+    StRef<SmImagerFrame> mLastStereoFrame;  ///< lent by GetFrame
 };
 
 /// The user's wish to have mipmaps, kept across runs as "MIP Mapping disabled", in the opposite sense. True

@@ -213,10 +213,120 @@ TEST(ImagerTrack, GetFrame_PicksTheEntry) {
                 << int(eye);
         }
     }
-    EXPECT_EQ(frames[0]->ReferenceCount(), 2) << "lent";
+    EXPECT_EQ(frames[1]->ReferenceCount(), 2) << "lent";
+    EXPECT_EQ(frames[0]->ReferenceCount(), 3)
+        << "the eye that was lent last is kept, and is the frame itself";
     track->SetStereoArrangement(0);
     EXPECT_EQ(track->GetFrame(-1, 0), nullptr);
     EXPECT_EQ(track->GetFrame(5, 0), nullptr);
+}
+
+// --- stereo
+
+/// 5 rows by 3 columns: with a gap of 1 an eye has rows 0 and 1, the other 3 and 4, or one column each.
+StRef<SmImagerFrame> NewStereoFrame() {
+    auto frame = StRef<SmImagerFrame>::Adopt(SrMakeFrame({5, 3}, SrCode("ColB"), false, false));
+    for (long y = 0; y < 5; ++y) {
+        for (long x = 0; x < 3; ++x)
+            frame->PutPixelAt(x, y, StRGBA32Pixel{0, 0, static_cast<unsigned char>(10 * y + x), 255});
+    }
+    return frame;
+}
+
+TEST(ImagerTrack, GetFrame_CutsAnEyeOut) {
+    struct {
+        StStereoArrangement arrangement;
+        StLeftOrRight firstEye, eye;
+        StPoint size;
+        int red;  ///< of the first pixel
+    } const rows[] = {
+        {1, 1, 1, {2, 3}, 0},  {1, 1, 2, {2, 3}, 30}, {1, 1, 0, {2, 3}, 0}, {2, 1, 1, {5, 1}, 0},
+        {2, 1, 2, {5, 1}, 2},  {1, 2, 1, {2, 3}, 0},  // the first eye plays no part in a track
+        {1, 2, 2, {2, 3}, 30}, {3, 1, 2, {5, 3}, 0},
+    };
+    auto const track = NewTrack();
+    auto const frame = NewStereoFrame();
+    track->SetFrame(0, frame.Get());
+    track->SetStereoGap(1);
+    for (auto const& row : rows) {
+        track->SetStereoArrangement(row.arrangement);
+        track->SetStereoFirstEye(row.firstEye);
+        SmImagerFrame* const eye = track->GetFrame(0, row.eye);
+        ASSERT_NE(eye, nullptr);
+        EXPECT_EQ(eye->GetSize(), row.size) << int{row.arrangement} << " eye " << int{row.eye};
+        EXPECT_EQ(eye->GetRGBAPixelAt(0, 0).red, row.red) << int{row.arrangement} << " eye " << int{row.eye};
+    }
+}
+
+TEST(ImagerTrack, GetFrame_LendsTheEye_UntilTheNextOne) {
+    auto const track = NewTrack();
+    auto const frame = NewStereoFrame();
+    track->SetFrame(0, frame.Get());
+    track->SetStereoArrangement(1);
+    StRef<SmImagerFrame> const left = track->GetFrame(0, 1);
+    EXPECT_EQ(left->ReferenceCount(), 2) << "the track's and this one";
+    EXPECT_NE(track->GetFrame(0, 1), left.Get()) << "cut anew each time";
+    EXPECT_EQ(left->ReferenceCount(), 1);
+    StRef<SmImagerFrame> const again = track->GetFrame(0, 1);
+    track->Free();
+    EXPECT_EQ(again->ReferenceCount(), 1);
+}
+
+TEST(ImagerTrack, GetFrame_OfNothing_HasNoEye) {
+    auto const track = NewTrack();
+    for (int arrangement : {1, 2, 3, 4, 5, 6}) {
+        track->SetStereoArrangement(static_cast<StStereoArrangement>(arrangement));
+        EXPECT_EQ(track->GetFrame(0, 1), nullptr) << arrangement;
+    }
+    track->SetFrame(0, NewStereoFrame().Get());
+    EXPECT_EQ(track->GetFrame(0, 1), nullptr) << "there is no arrangement 6";
+}
+
+// --- mipmaps
+
+TEST(ImagerTrack, GetFrame_TurnsAFrameIntoAMipmapOnce) {
+    auto const track = NewTrack();
+    auto const frame = StRef<SmImagerFrame>::Adopt(SrMakeFrame({4, 8}, SrCode("Gry8"), false, false));
+    frame->Erase();
+    track->SetFrame(2, frame.Get());
+    EXPECT_EQ(track->GetFrame(2, 0), frame.Get());
+    track->SetMipmapping(true);
+    SmImagerFrame* const mipmap = track->GetFrame(2, 0);
+    ASSERT_NE(mipmap, nullptr);
+    EXPECT_TRUE(mipmap->IsUVTriLinear());
+    EXPECT_EQ(mipmap->GetSize(), (StPoint{4, 8}));
+    EXPECT_EQ(mipmap->ReferenceCount(), 1) << "the array's";
+    EXPECT_EQ(frame->ReferenceCount(), 1) << "its place is taken";
+    EXPECT_EQ(track->GetStoredFrame(2), mipmap);
+    EXPECT_EQ(track->GetFrame(2, 0), mipmap);
+    EXPECT_EQ(track->GetFrame(1, 0), nullptr);
+}
+
+TEST(ImagerTrack, GetFrame_LeavesWhatHasNoMipmaps) {
+    auto const track = NewTrack();
+    auto const frame = StRef<SmImagerFrame>::Adopt(SrMakeFrame({4, 8}, SrCode("Alp8"), false, false));
+    track->SetFrame(0, frame.Get());
+    track->SetMipmapping(true);
+    EXPECT_EQ(track->GetFrame(0, 0), frame.Get());
+    EXPECT_EQ(frame->ReferenceCount(), 2);
+}
+
+TEST(ImagerTrack, GetFrame_OfAnEye_LeavesItsMipmapInTheEntry) {
+    // The next fetch cuts the eye out of that mipmap: the window is one level of detail too.
+    auto const track = NewTrack();
+    auto const frame = NewStereoFrame();
+    track->SetFrame(0, frame.Get());
+    track->SetStereoArrangement(1);
+    track->SetStereoGap(1);
+    track->SetMipmapping(true);
+    SmImagerFrame* const left = track->GetFrame(0, 1);
+    EXPECT_TRUE(left->IsUVTriLinear());
+    EXPECT_EQ(left, track->GetStoredFrame(0));
+    EXPECT_EQ(left->GetOriginalSize(), (StPoint{2, 3}));
+    SmImagerFrame* const next = track->GetFrame(0, 1);
+    EXPECT_NE(next, left);
+    EXPECT_TRUE(next->IsUVTriLinear());
+    EXPECT_EQ(track->GetStoredFrame(0), left);
 }
 
 /// A track whose frames come from elsewhere.
