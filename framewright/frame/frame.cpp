@@ -17,7 +17,6 @@ SR_DEPENDS_ON(SrRegisterResPict);
 
 SM_DEFINE_CLASS(SmImagerFrame);
 
-// The file has two codes of its own; nothing throws the second one yet.
 static long const gFrameErrors[2] = {SrAllocateError(nullptr), SrAllocateError(nullptr)};
 
 static ScLayerRegistry::Registry gLayers;
@@ -26,6 +25,10 @@ static ScLayerPurposeRegistry::Registry gLayerPurposes;
 
 long frame::NoSuchLayerError() {
     return gFrameErrors[0];
+}
+
+long frame::UnknownLayerClassError() {
+    return gFrameErrors[1];
 }
 
 long frame::gSpoolThresholdHeight = 64;

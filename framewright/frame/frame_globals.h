@@ -5,6 +5,8 @@ namespace frame {
 
 /// Thrown when a stream names a pixel type that no registered layer has.
 long NoSuchLayerError();
+/// Thrown when a layer is asked for by a class that is not registered.
+long UnknownLayerClassError();
 
 /// A frame is big, and so worth spooling, when its rows exceed the one and its columns the other.
 extern long gSpoolThresholdHeight;

@@ -63,7 +63,7 @@ class FRAMEWRIGHT_EXPORT SmImagerImage : public SmManaged<SmImagerImage> {
     /// The trap: the mask pointer is left as it stands. Who removes the mask layer keeps the frame alive
     /// until the image is gone, or does not ask for the mask again.
     virtual void RemoveLayer(SmImagerFrame* frame);
-    /// The entry at `index`, from 0 to the count less 1, unchecked. Borrowed; null for an empty place.
+    /// The entry at `index`, counted from 0. Borrowed; null for an empty place, and outside the list.
     virtual SmImagerFrame* GetLayer(long index);
     /// Puts a frame, or null, at a place; the list grows with empty places up to it. Adds a reference and
     /// drops that of the old entry. The frame fills the slot of its family if that is free: colour ("ColF",
@@ -79,8 +79,11 @@ class FRAMEWRIGHT_EXPORT SmImagerImage : public SmManaged<SmImagerImage> {
     /// Composites this image, stretched to `rect` of `destination`, over that: each source pixel is merged
     /// into the one pixel that it falls on, first to first and last to last, so that an image that grows
     /// leaves holes. With depth in both images, only where this one is nearer, and what is not wholly
-    /// transparent leaves its depth. Nothing without colour in both. A side of one pixel falls on the first
-    /// row or column of `rect`.
+    /// transparent leaves its depth. Nothing without colour in both, and places outside the destination are
+    /// passed over.
+    ///
+    /// The trap: an image of one row or one column has no step from its first to its last pixel, and leaves
+    /// nothing.
     virtual void CompositeInto(SmImagerImage* destination, StRect const& rect);
     /// Copies a rectangle of each layer of `source` into the matching layer of this image, at `to`: colour to
     /// colour, depth to depth, and, for each other layer with a purpose, from the source's layer at the same
@@ -172,6 +175,10 @@ class FRAMEWRIGHT_EXPORT SmImagerImage : public SmManaged<SmImagerImage> {
     void AddCallback(ScLayerCallback* callback);
 
   private:
+    /// Makes the pixels that FillRectAt uses, with the first image; what memory refuses is tried again with
+    /// the next.
+    static void MakeFillPixels();
+
     StPoint mSize{0, 0};
     StFloatPoint mResolution{72.0F, 72.0F};
     ScVector<StRef<SmImagerFrame>> mLayers;

@@ -25,10 +25,12 @@ FRAMEWRIGHT_EXPORT void SrPutImagerToStream(SmStream& stream, SmImagerImage* ima
 
 /// Reads what the former wrote into `image`: the layers are added to those that are there, the rest is
 /// replaced. `spooled` and `nativeBitmap` as for SrReadImagerFrameFromStream, whose errors are thrown here
-/// too. A number of layers that is negative throws SkBadStreamFormatErrC(); one that a stream of known
-/// length cannot hold throws it too, before anything is allocated for them. A gamut of an unknown selector
+/// too. A number of layers that is negative, or that a stream of known length cannot hold, throws
+/// SkBadStreamFormatErrC() before anything is allocated for them; -108 comes of layers that together take
+/// more memory than SrGetFrameSizeLimit() beyond their bytes on the stream. A gamut of an unknown selector
 /// throws what ReadGamut does.
 ///
-/// On a failure the image keeps the layers that were read whole, and its gamut.
+/// On a failure the image keeps what was read until then, the layers that were read whole among it, and its
+/// gamut. The layer that was not is released, unlike the frame of SrReadImagerFrameFromStream.
 FRAMEWRIGHT_EXPORT void SrGetImagerFromStream(SmStream& stream, SmImagerImage* image, bool spooled,
                                               bool nativeBitmap);

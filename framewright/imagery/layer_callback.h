@@ -26,9 +26,10 @@ class FRAMEWRIGHT_EXPORT ScLayerCallback {
     virtual void OnPutPixel(SmImagerImage* image, long x, long y) = 0;
     virtual void OnPutRun(SmImagerImage* image, long x, long y, long length) = 0;
     virtual void OnFillRect(SmImagerImage* image, long x, long y, long width, long height) = 0;
-    /// Asked by SmImagerImage::SamplesMatch about two samples that differ too much, `a` and `b` being their
-    /// colours as 0xAARRGGBB. Both flags come in false. `result` set to true makes the samples match, `stop`
-    /// alone makes them differ; either ends the walk. With neither set the next callback is asked.
+    /// Asked by SmImagerImage::SamplesMatch, `a` and `b` being the colours of the two samples as 0xAARRGGBB.
+    /// `result` comes in as whether they match, `stop` false. If `result` goes out true the samples match,
+    /// whatever else; with `stop` they do not, and either ends the walk. Else the next callback is asked,
+    /// with the result that there was at first, which stands when all have been asked.
     virtual void OnCompareSamples(SmImagerImage* image, long x1, long y1, long x2, long y2, unsigned long a,
                                   unsigned long b, unsigned char which, bool& stop, bool& result) = 0;
     /// Called when the count reaches zero: deletes the object. Returns true.

@@ -1,0 +1,95 @@
+#include "framewright/imagery/image_stream.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+
+#include "framewright/frame/frame_limit.h"
+#include "framewright/frame/frame_stream.h"
+#include "framewright/pixel/gamut.h"
+#include "framewright/thornmere/error.h"
+#include "framewright/thornmere/stream.h"
+
+namespace {
+
+/// What a frame takes on a stream at least.
+constexpr std::uint32_t kFrameHeaderBytes = 24;
+
+std::int32_t FilledPlaces(SmImagerImage& image) {
+    std::int32_t filled = 0;
+    for (long i = 0; i < image.GetLayerCount(); ++i)
+        filled += image.GetLayer(i) != nullptr;
+    return filled;
+}
+
+/// Refuses a number of layers whose headers alone the stream has no room for.
+void CheckCount(SmStream& stream, std::int32_t count) {
+    if (count < 0) SrThrow(SkBadStreamFormatErrC(), nullptr);
+    std::uint64_t remaining = 0;
+    if (!stream.GetRemaining(remaining)) return;
+    if (static_cast<std::uint64_t>(count) > remaining / kFrameHeaderBytes) {
+        SrThrow(SkBadStreamFormatErrC(), nullptr);
+    }
+}
+
+/// How many bytes the stream can still give; 0 where it does not know.
+std::uint64_t Remaining(SmStream& stream) {
+    std::uint64_t remaining = 0;
+    stream.GetRemaining(remaining);
+    return remaining;
+}
+
+std::uint64_t BytesInMemory(SmImagerFrame& frame) {
+    auto const rows = static_cast<std::uint64_t>(frame.GetSize().vertical);
+    return rows * (static_cast<std::uint64_t>(std::abs(frame.BytesPerRow())) + sizeof(void*));
+}
+
+void ReadLayers(SmStream& stream, SmImagerImage& image, bool spooled, bool nativeBitmap) {
+    auto const count = stream.GetBigEndian<std::int32_t>();
+    CheckCount(stream, count);
+    // Rows of one colour take a few bytes on a stream, and rows without pixels none, so many small frames
+    // could ask for any amount of memory. What the layers take beyond their bytes on the stream is limited,
+    // for all together as for one.
+    std::uint64_t excess = 0;
+    for (std::int32_t i = 0; i < count; ++i) {
+        std::uint64_t const before = Remaining(stream);
+        StRef<SmImagerFrame> const layer = frame::ReadFrameFromStream(stream, spooled, nativeBitmap);
+        std::uint64_t const taken = before - Remaining(stream);
+        excess += std::max(BytesInMemory(*layer), taken) - taken;
+        if (excess > SrGetFrameSizeLimit()) SrThrow(SkMemoryFull(), nullptr);
+        image.AddLayer(layer.Get());
+    }
+}
+
+}  // namespace
+
+void SrPutImagerToStream(SmStream& stream, SmImagerImage* image, unsigned short compression) {
+    SrPutToStream(stream, image->GetSize());
+    StFloatPoint const resolution = image->GetResolution();
+    stream.PutBigEndian(resolution.vertical);
+    stream.PutBigEndian(resolution.horizontal);
+    stream.PutBit(false);
+    stream.PutBigEndian(FilledPlaces(*image));
+    for (long i = 0; i < image->GetLayerCount(); ++i) {
+        if (SmImagerFrame* const layer = image->GetLayer(i)) {
+            SrWriteImagerFrameToStream(stream, layer, compression);
+        }
+    }
+    WriteGamut(stream, image->GetGamut());
+}
+
+void SrGetImagerFromStream(SmStream& stream, SmImagerImage* image, bool spooled, bool nativeBitmap) {
+    StPoint size{};
+    SrGetFromStream(stream, size);
+    image->SetSize(size);
+    StFloatPoint resolution{};
+    resolution.vertical = stream.GetBigEndian<float>();
+    resolution.horizontal = stream.GetBigEndian<float>();
+    image->SetResolution(resolution);
+    bool flag = false;
+    stream.GetBit(flag);
+    ReadLayers(stream, *image, spooled, nativeBitmap);
+    ScGamut* gamut = nullptr;
+    ReadGamut(stream, gamut);
+    image->SetGamut(gamut);
+}
