@@ -1,5 +1,6 @@
 // Rows that leave memory: resident ones beside rows in memory, and spilled ones beside pwrite and pread of
-// the same rows in the same folder, which is $TMPDIR, else /tmp.
+// the same rows in the same folder, which is $TMPDIR, else /tmp. Both files are new each time and have the
+// rows at the same places, behind four bytes of mark.
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -92,6 +93,7 @@ BENCHMARK(ResidentBlit)->UseManualTime();
 // --- spilling
 
 constexpr long kRowBytes = 64 * 1024;
+constexpr long kMarkBytes = 4;
 std::uint32_t gCap = 0;
 
 std::string Folder() {
@@ -136,19 +138,29 @@ void WriteAndReadPlain(long rows, std::uint64_t expected, benchmark::State& stat
     std::uint64_t sum = 0;
     for (long y = 0; y < rows; ++y) {
         FillRow(row.data(), y);
-        if (pwrite(file, row.data(), kRowBytes, y * kRowBytes) != kRowBytes) state.SkipWithError("pwrite");
+        if (pwrite(file, row.data(), kRowBytes, kMarkBytes + y * kRowBytes) != kRowBytes)
+            state.SkipWithError("pwrite");
     }
     for (long y = 0; y < rows; ++y) {
-        if (pread(file, row.data(), kRowBytes, y * kRowBytes) != kRowBytes) state.SkipWithError("pread");
+        if (pread(file, row.data(), kRowBytes, kMarkBytes + y * kRowBytes) != kRowBytes)
+            state.SkipWithError("pread");
         sum += SumOf(row.data());
     }
     close(file);
     if (sum != expected) state.SkipWithError("wrong bytes from the file");
 }
 
-/// The same rows in a spooled frame.
+void RenewManager() {
+    SrInitializeGlobalSpoolManager(true);
+    SrInitializeGlobalSpoolManager(false);
+}
+
+/// The same rows in a spooled frame. The spool files are made and go, as the plain file does.
 void WriteAndReadSpooled(long rows, std::uint64_t expected, double& peak, benchmark::State& state) {
-    auto const frame = StRef<SmImagerFrame>::Adopt(
+    RenewManager();
+    for (int i = 0; i < 4; ++i)
+        SrAddImagerSpoolFileInFolder(StFileSpec(Folder().c_str()));
+    auto frame = StRef<SmImagerFrame>::Adopt(
         SrMakeFrame({static_cast<std::int32_t>(rows), kRowBytes / 4}, SrCode("ColB"), true, false));
     std::uint64_t sum = 0;
     for (long y = 0; y < rows; ++y) {
@@ -161,6 +173,8 @@ void WriteAndReadSpooled(long rows, std::uint64_t expected, double& peak, benchm
         frame->UnlockRow(y);
         if (y % 512 == 0) peak = std::max(peak, ResidentMemory());
     }
+    frame = nullptr;
+    RenewManager();
     if (sum != expected) state.SkipWithError("wrong bytes from the frame");
 }
 
@@ -169,19 +183,15 @@ void Spilling(benchmark::State& state) {
     long const rows = static_cast<long>(state.range(0)) * (1 << 20) / kRowBytes;
     gCap = static_cast<std::uint32_t>(state.range(1) << 20);
     std::uint64_t const expected = ExpectedSum(rows);
-    SrInitializeGlobalSpoolManager(true);
-    SrInitializeGlobalSpoolManager(false);
-    for (int i = 0; i < 4; ++i)
-        SrAddImagerSpoolFileInFolder(StFileSpec(Folder().c_str()));
-    SrSetAllocationGate(
-        [](std::size_t size) { return SrGetGlobalSpoolManager()->MemoryInUse() + size <= gCap; });
+    SrSetAllocationGate([](std::size_t size) {
+        SmSpoolManager const* const manager = SrGetGlobalSpoolManager();
+        return !manager || manager->MemoryInUse() + size <= gCap;
+    });
     double peak = 0;
     bench::BesideFloor(
         state, [&] { WriteAndReadSpooled(rows, expected, peak, state); },
         [&] { WriteAndReadPlain(rows, expected, state); });
     SrSetAllocationGate(nullptr);
-    SrInitializeGlobalSpoolManager(true);
-    SrInitializeGlobalSpoolManager(false);
     state.counters["peak_MiB"] = peak;
 }
 BENCHMARK(Spilling)

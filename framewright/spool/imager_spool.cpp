@@ -18,16 +18,18 @@ namespace {
 /// A block keeps its rows while they are few: below this number only the single oldest row is evicted.
 constexpr long kFewRows = 8;
 
-/// The resident rows are counted for so many rows together, so that a search for the oldest passes over parts
-/// of a tall frame that are in a file.
-constexpr long kRowsPerCount = 64;
+/// So many rows are one group.
+constexpr long kRowsPerGroup = 64;
 
-std::size_t CountsOf(long rows) {
-    return static_cast<std::size_t>((rows + kRowsPerCount - 1) / kRowsPerCount);
+/// No tick is later.
+constexpr std::uint32_t kNoTick = std::numeric_limits<std::uint32_t>::max();
+
+std::size_t GroupsOf(long rows) {
+    return static_cast<std::size_t>((rows + kRowsPerGroup - 1) / kRowsPerGroup);
 }
 
 std::size_t TableBytes(long rows) {
-    return static_cast<std::size_t>(rows) * sizeof(StSpoolRow) + CountsOf(rows) * sizeof(std::uint16_t);
+    return static_cast<std::size_t>(rows) * sizeof(StSpoolRow) + GroupsOf(rows) * sizeof(StSpoolRowGroup);
 }
 
 StSpoolRow* NewTable(long rows) {
@@ -36,7 +38,7 @@ StSpoolRow* NewTable(long rows) {
     SrThrowIfNIL(table);
     auto* const first = static_cast<StSpoolRow*>(table);
     std::uninitialized_value_construct_n(first, rows);
-    std::uninitialized_value_construct_n(reinterpret_cast<std::uint16_t*>(first + rows), CountsOf(rows));
+    std::uninitialized_value_construct_n(reinterpret_cast<StSpoolRowGroup*>(first + rows), GroupsOf(rows));
     return first;
 }
 
@@ -87,7 +89,7 @@ void ScImagerSpool::TearDown() {
 void ScImagerSpool::Start(long rows, unsigned int rowBytes) {
     if (rowBytes > static_cast<unsigned int>(INT32_MAX)) SrThrow(SkMemoryFull(), nullptr);
     mRows = NewTable(rows);
-    mResident = reinterpret_cast<std::uint16_t*>(mRows + rows);
+    mGroups = reinterpret_cast<StSpoolRowGroup*>(mRows + rows);
     mCount = static_cast<std::int32_t>(rows);
     mRowBytes = rowBytes;
     try {
@@ -111,7 +113,7 @@ void ScImagerSpool::Stop() {
 void ScImagerSpool::ReleaseTable() {
     SrDeallocatePointer(mRows, TableBytes(mCount));
     mRows = nullptr;
-    mResident = nullptr;
+    mGroups = nullptr;
     mCount = 0;
     mRowBytes = 0;
 }
@@ -186,7 +188,7 @@ inline bool ScImagerSpool::LiesIn(std::byte* block, long row) const {
 void ScImagerSpool::SetData(long row, void* data) {
     bool const was = DataOf(mRows[row]) != nullptr;
     bool const is = data != nullptr;
-    std::uint16_t& count = mResident[row / kRowsPerCount];
+    std::uint16_t& count = mGroups[row / kRowsPerGroup].resident;
     count = static_cast<std::uint16_t>(count + is - was);
     mRows[row].data.store(data, std::memory_order_relaxed);
 }
@@ -198,10 +200,12 @@ void ScImagerSpool::DropMemory(long row) {
 
 // --- into memory
 
-void ScImagerSpool::Touch(StSpoolRow& row) {
+void ScImagerSpool::Touch(long row) {
     std::uint32_t const now = SrGetTickCount();
     mLastUse.store(now, std::memory_order_relaxed);
-    row.lastUse = now;
+    mRows[row].lastUse = now;
+    std::uint32_t& notOlder = mGroups[row / kRowsPerGroup].notOlder;
+    notOlder = std::min(notOlder, now);
 }
 
 void* ScImagerSpool::Loaded(long row) const {
@@ -240,7 +244,7 @@ void ScImagerSpool::LoadRow(long index) {
             SetData(index, memory);
         }
     }
-    Touch(row);
+    Touch(index);
 }
 
 void* ScImagerSpool::Lock(long index, SmImagerFrame*) {
@@ -250,7 +254,7 @@ void* ScImagerSpool::Lock(long index, SmImagerFrame*) {
     // Held from the test on, so that no eviction takes the row between.
     StHold const storage(spool::gStorageLock);
     if (DataOf(row))
-        Touch(row);
+        Touch(index);
     else
         LoadRow(index);
     return DataOf(row);
@@ -305,7 +309,7 @@ void ScImagerSpool::ForceContiguous() {
                 DropMemory(i);
             } else if (row.filePosition != 0) {
                 ReadBack(row, place);
-                Touch(row);
+                Touch(i);
             }
             SetData(i, place);
         }
@@ -342,24 +346,46 @@ unsigned int ScImagerSpool::EvictBlock() {
     return static_cast<unsigned int>(BlockBytes());
 }
 
+template <class Visit>
+void ScImagerSpool::ForEachResidentRow(long group, Visit visit) const {
+    long left = mGroups[group].resident;
+    for (long row = group * kRowsPerGroup; left > 0; ++row) {
+        if (!DataOf(mRows[row])) continue;
+        --left;
+        visit(row);
+    }
+}
+
+long ScImagerSpool::OldestRow() {
+    long oldestRow = -1;
+    std::uint32_t oldest = 0;
+    auto const groups = static_cast<long>(GroupsOf(mCount));
+    for (long group = 0; group < groups; ++group) {
+        std::uint32_t& notOlder = mGroups[group].notOlder;
+        if (oldestRow >= 0 && notOlder >= oldest) continue;
+        notOlder = kNoTick;
+        ForEachResidentRow(group, [&](long row) {
+            std::uint32_t const lastUse = mRows[row].lastUse;
+            if (lastUse == 0) return;  // a row never used has no age
+            notOlder = std::min(notOlder, lastUse);
+            if (!MayLeave(row) || (oldestRow >= 0 && lastUse >= oldest)) return;
+            oldestRow = row;
+            oldest = lastUse;
+        });
+    }
+    return oldestRow;
+}
+
 ScImagerSpool::StAges ScImagerSpool::AgesOfRows() const {
     StAges ages;
-    for (long first = 0; first < mCount; first += kRowsPerCount) {
-        long left = mResident[first / kRowsPerCount];
-        ages.resident += left;
-        for (long i = first; left > 0; ++i) {
-            StSpoolRow const& row = mRows[i];
-            if (!DataOf(row)) continue;
-            --left;
-            if (!MayLeave(i)) continue;
+    auto const groups = static_cast<long>(GroupsOf(mCount));
+    for (long group = 0; group < groups; ++group) {
+        ages.resident += mGroups[group].resident;
+        ForEachResidentRow(group, [&](long row) {
+            if (!MayLeave(row)) return;
             ++ages.unlocked;
-            ages.newest = std::max(ages.newest, row.lastUse);
-            // A row never used has no age.
-            if (row.lastUse != 0 && (ages.oldest == 0 || row.lastUse < ages.oldest)) {
-                ages.oldestRow = i;
-                ages.oldest = row.lastUse;
-            }
-        }
+            ages.newest = std::max(ages.newest, mRows[row].lastUse);
+        });
     }
     return ages;
 }
@@ -369,18 +395,24 @@ unsigned int ScImagerSpool::EvictRows(unsigned int wanted) {
     if (!storage || mContiguousCount != 0 || !mManager) return 0;
     if (mBlock) return EvictBlock();
 
+    long const oldestRow = OldestRow();
+    if (oldestRow < 0) return 0;
+    if (wanted <= mRowBytes) {
+        EvictRow(oldestRow);
+        return mRowBytes;
+    }
     StAges ages = AgesOfRows();
-    if (ages.oldest == 0) return 0;
-    EvictRow(ages.oldestRow);
+    std::uint32_t const oldest = mRows[oldestRow].lastUse;
+    EvictRow(oldestRow);
     --ages.resident;
     std::uint64_t freed = mRowBytes;
 
     // The others by age in four bands, within a band in the order of rows.
-    std::uint32_t const range = ages.newest - ages.oldest;
+    std::uint32_t const range = ages.newest - oldest;
     auto const enough = [&] { return ages.resident < kFewRows || freed >= wanted; };
     for (std::uint32_t quarter = 0; ages.unlocked >= 2 && quarter < 4 && !enough(); ++quarter) {
-        std::uint32_t const low = ages.oldest + (quarter * range >> 2);
-        std::uint32_t const high = ages.oldest + ((quarter + 1) * range >> 2);
+        std::uint32_t const low = oldest + (quarter * range >> 2);
+        std::uint32_t const high = oldest + ((quarter + 1) * range >> 2);
         for (long i = 0; i < mCount && !enough(); ++i) {
             if (!MayLeave(i) || mRows[i].lastUse <= low || mRows[i].lastUse > high) continue;
             EvictRow(i);

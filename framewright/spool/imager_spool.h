@@ -45,6 +45,13 @@ struct StSpoolRow {
     StSpoolRow* heldBehind = nullptr;
 };
 
+/// What a spooler knows of some neighbouring rows together, so that the search for the oldest row, which runs
+/// for each row that leaves, passes over most of a tall frame.
+struct StSpoolRowGroup {
+    std::uint16_t resident = 0;  ///< how many of the rows are in memory
+    std::uint32_t notOlder = 0;  ///< no resident row has an earlier last use, but for 0; may be too early
+};
+
 class FRAMEWRIGHT_EXPORT ScImagerSpool {
   public:
     /// Rows are without memory until they are asked for: the spooler allocates them, and the layer brackets
@@ -117,13 +124,11 @@ class FRAMEWRIGHT_EXPORT ScImagerSpool {
   private:
     friend SmSpoolManager;  // tells its spoolers when it goes
 
-    /// The resident rows, as EvictRows looks at them.
+    /// The resident rows, as EvictRows looks at them when it wants more than one.
     struct StAges {
         long resident = 0;
         long unlocked = 0;
-        long oldestRow = 0;
-        std::uint32_t oldest = 0;  ///< 0 when there is no oldest row
-        std::uint32_t newest = 0;
+        std::uint32_t newest = 0;  ///< of the unlocked ones
     };
 
     std::uint64_t BlockBytes() const { return static_cast<std::uint64_t>(mCount) * mRowBytes; }
@@ -141,7 +146,7 @@ class FRAMEWRIGHT_EXPORT ScImagerSpool {
     void* Loaded(long row) const;
     void LoadRow(long row);
     void ReadBack(StSpoolRow& row, void* memory);
-    void Touch(StSpoolRow& row);
+    void Touch(long row);
     bool HasSpooledRows() const;
     void Start(long rows, unsigned int rowBytes);
     void Stop();
@@ -152,14 +157,17 @@ class FRAMEWRIGHT_EXPORT ScImagerSpool {
     void ReleaseTable();
     /// Whether the row is in memory that eviction could give back.
     bool MayLeave(long row) const;
+    template <class Visit>
+    void ForEachResidentRow(long group, Visit visit) const;
+    /// The least recently used row that may leave, the first of several; negative if there is none.
+    long OldestRow();
     StAges AgesOfRows() const;
     void EvictRow(long row);
     unsigned int EvictBlock();
 
     std::int32_t mCount = 0;
     StSpoolRow* mRows = nullptr;
-    std::uint16_t* mResident =
-        nullptr;  ///< behind the table: how many of each kRowsPerCount rows are resident
+    StSpoolRowGroup* mGroups = nullptr;  ///< behind the table
     std::uint32_t mRowBytes = 0;
     SmSpoolManager* mManager = nullptr;
     std::atomic<std::uint32_t> mLastUse{0};

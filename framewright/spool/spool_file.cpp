@@ -7,9 +7,13 @@
 
 static constexpr unsigned char kMark[] = {'l', 's', 'P', 'S'};
 
+/// Room for so many extents is there from the beginning: they grow while memory is short.
+static constexpr std::size_t kFirstExtents = 256;
+
 void StSpoolFile::Create(StFileSpec const& place, std::uint32_t maximum) {
     spec = place;
     maximumSize = maximum;
+    freeExtents.reserve(kFirstExtents);
     // What a file will hold are pictures, and whatever memory held before them: they are the user's alone.
     if (long const error = SrFileCreatePrivate(spec)) SrThrow(error, nullptr);
     try {

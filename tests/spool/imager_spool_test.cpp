@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <random>
 
 #include "framewright/spool/spool_locks.h"
 #include "spool_test_support.h"
@@ -165,6 +166,52 @@ TEST_F(ImagerSpool, EvictionTakesTheOldestFirst_OfTiesTheFirst) {
         auto const row = RowBytes(static_cast<unsigned>(order[i]), 100);
         EXPECT_EQ(file.substr(4 + i * 100, 100), std::string(row.begin(), row.end())) << i;
     }
+}
+
+TEST_F(ImagerSpool, EvictionTakesTheOldestFirst_InTallFramesOfAnyHistory) {
+    constexpr long kRows = 300;
+    AddFile();
+    std::mt19937 random(7);
+    auto const below = [&](std::uint32_t bound) { return static_cast<std::uint32_t>(random() % bound); };
+    std::vector<std::uint32_t> lastUse(kRows);
+    std::vector<bool> resident(kRows), locked(kRows);
+    std::vector<std::uint32_t> expected;
+    mSpooler.ISpooler(kRows, sizeof(std::uint32_t), nullptr);
+    auto const touch = [&](long row) {
+        gTick = 1 + below(1000) * (1 + below(2) * 4294966);  // the clock may run back, as when it wraps
+        auto const content = static_cast<std::uint32_t>(row);
+        std::memcpy(mSpooler.Lock(row, nullptr), &content, sizeof(content));
+        mSpooler.Unlock(row);
+        lastUse[row] = gTick;
+        resident[row] = true;
+    };
+    for (long row = 0; row < kRows; ++row)
+        touch(row);
+    for (std::uint32_t left = kRows; left > 0;) {
+        auto const row = static_cast<long>(below(kRows));
+        if (resident[row] && below(2) == 0) touch(row);
+        if (resident[row] && below(8) == 0 && left > 20) {
+            locked[row] ? mSpooler.Unlock(row) : static_cast<void>(mSpooler.Lock(row, nullptr));
+            locked[row] = !locked[row];
+            lastUse[row] = locked[row] ? gTick : lastUse[row];
+        }
+        if (left <= 20 && locked[row]) {
+            mSpooler.Unlock(row);
+            locked[row] = false;
+        }
+        long oldest = -1;
+        for (long i = 0; i < kRows; ++i) {
+            if (resident[i] && !locked[i] && (oldest < 0 || lastUse[i] < lastUse[oldest])) oldest = i;
+        }
+        ASSERT_EQ(mSpooler.EvictRows(1), oldest < 0 ? 0u : 4u);
+        if (oldest < 0) continue;
+        resident[oldest] = false;
+        expected.push_back(static_cast<std::uint32_t>(oldest));
+        --left;
+    }
+    std::string const file = ReadWholeFile(Folder() / Files()[0]);
+    ASSERT_EQ(file.size(), 4 + kRows * sizeof(std::uint32_t));
+    EXPECT_EQ(std::memcmp(file.data() + 4, expected.data(), file.size() - 4), 0);
 }
 
 TEST_F(ImagerSpool, NineRows_SevenStay) {

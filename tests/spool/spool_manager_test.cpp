@@ -344,13 +344,17 @@ TEST_F(SpoolManager, PlacesApartStayApart) {
 }
 
 TEST_F(SpoolManager, NoMemoryForAnExtent_GivesThePlaceUp) {
+    constexpr unsigned kExtents = 256;  // so many there is room for from the beginning
     AddFile();
-    WriteRows(3);
+    WriteRows(2 * kExtents + 1);
     {
         RefusedMemory const refused;
-        Free(104, 100);
+        for (unsigned i = 0; i <= kExtents; ++i)
+            Free(4 + 200 * i, 100);
     }
-    EXPECT_EQ(Write(100), (StPlace{0, 304}));
+    for (unsigned i = 0; i < kExtents; ++i)
+        ASSERT_EQ(Write(100), (StPlace{0, 4 + 200 * i}));
+    EXPECT_EQ(Write(100), (StPlace{0, 4 + 100 * (2 * kExtents + 1)}));
 }
 
 TEST_F(SpoolManager, AFileThatThereIsNot_IsMinus50) {
