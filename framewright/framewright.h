@@ -72,6 +72,7 @@
 #include "framewright/imagery/mip_chain.h"
 #include "framewright/imagery/mipmap.h"
 #include "framewright/imagery/primitives.h"
+#include "framewright/imagery/rotated_blit.h"
 #include "framewright/imagery/movie.h"
 #include "framewright/imagery/sequence.h"
 #include "framewright/imagery/stereo.h"

@@ -1,6 +1,7 @@
 #include "framewright/imagery/stereo.h"
 
 #include "framewright/imagery/subframe.h"
+#include "framewright/imagery/updated.h"
 #include "framewright/thornmere/reference.h"
 
 namespace {
@@ -20,6 +21,20 @@ struct StEyeSpan {
     std::int32_t first;
     std::int32_t end;
 };
+
+/// An image without layers.
+StRef<SmImagerImage> NewImageLike(SmImagerImage& image) {
+    if (image.GetClass() == SmImagerUpdated::Class()) {
+        auto updated = StRef<SmImagerUpdated>::Adopt(SmImagerUpdated::New());
+        SrThrowIfNIL(updated.Get());
+        updated->IImagerUpdated();
+        return updated.Get();
+    }
+    auto plain = StRef<SmImagerImage>::Adopt(SmImagerImage::New());
+    SrThrowIfNIL(plain.Get());
+    plain->IImagerImage();
+    return plain;
+}
 
 }  // namespace
 
@@ -42,4 +57,16 @@ SmImagerFrame* SrStereoSubframe(SmImagerFrame* frame, StStereoArrangement arrang
     SrThrowIfNIL(window.Get());
     window->IImagerSubframe(frame, subrect, 1, 1);
     return window.Release();
+}
+
+SmImagerImage* SrStereoSubimage(SmImagerImage* image, StStereoArrangement arrangement, StLeftOrRight eye,
+                                long gap) {
+    StRef<SmImagerImage> cut = NewImageLike(*image);
+    long const layers = image->GetLayerCount();
+    for (long i = 0; i < layers; ++i) {
+        auto const frame =
+            StRef<SmImagerFrame>::Adopt(SrStereoSubframe(image->GetLayer(i), arrangement, eye, gap));
+        if (frame) cut->SetLayer(i, frame.Get());
+    }
+    return cut.Release();
 }

@@ -23,3 +23,9 @@ using StLeftOrRight = std::uint8_t;
 /// reaches outside, or none to look through.
 FRAMEWRIGHT_EXPORT SmImagerFrame* SrStereoSubframe(SmImagerFrame* frame, StStereoArrangement arrangement,
                                                    StLeftOrRight eye, long gap);
+
+/// One eye of each layer of an image, in a new image: an exact SmImagerUpdated gives such a one, every other
+/// class a SmImagerImage. Layers keep their places, those that have no such eye leave theirs empty, and the
+/// pixels stay those of the old image, whose layers the new one keeps alive. The caller owns one reference.
+FRAMEWRIGHT_EXPORT SmImagerImage* SrStereoSubimage(SmImagerImage* image, StStereoArrangement arrangement,
+                                                   StLeftOrRight eye, long gap);

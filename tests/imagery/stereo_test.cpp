@@ -4,7 +4,15 @@
 
 #include "frame/kinds.h"
 #include "framewright/imagery/subframe.h"
+#include "framewright/imagery/updated.h"
 #include "framewright/thornmere/memory.h"
+
+SM_CLASS(SmDerivedUpdated, SmImagerUpdated, 0);
+/// A class below the image that keeps its updated rectangle.
+class SmDerivedUpdated : public SmManaged<SmDerivedUpdated> {
+    friend SmManaged<SmDerivedUpdated>;
+};
+SM_DEFINE_CLASS(SmDerivedUpdated);
 
 using namespace testing_frames;
 
@@ -114,6 +122,78 @@ TEST(Stereo, RefusedMemoryIsTold) {
     SrSetAllocationGate(nullptr);
     EXPECT_EQ(error, -108);
     EXPECT_EQ(frame->ReferenceCount(), 1);
+}
+
+// --- images
+
+using ImageRef = StRef<SmImagerImage>;
+
+ImageRef Cut(SmImagerImage* image, StStereoArrangement arrangement, StLeftOrRight eye, long gap) {
+    return ImageRef::Adopt(SrStereoSubimage(image, arrangement, eye, gap));
+}
+
+ImageRef NewImage() {
+    auto image = ImageRef::Adopt(SmImagerImage::New());
+    image->IImagerImage();
+    return image;
+}
+
+TEST(StereoImage, CutsEachLayer_InItsPlace) {
+    ImageRef const image = NewImage();
+    FrameRef const color = MakeLayer<StRGBA32Pixel>({101, 30}).Get();
+    FrameRef const depth = MakeLayer<StDepthFloatPixel>({101, 30}).Get();
+    image->SetLayer(0, color.Get());
+    image->SetLayer(2, depth.Get());
+    ImageRef const right = Cut(image.Get(), 1, 2, 1);
+    EXPECT_EQ(right->ReferenceCount(), 1);
+    EXPECT_EQ(right->GetClass(), SmImagerImage::Class());
+    EXPECT_EQ(right->GetSize(), (StPoint{50, 30})) << "as SetLayer has it, of the colour layer";
+    ASSERT_EQ(right->GetLayerCount(), 3);
+    EXPECT_EQ(right->GetLayer(1), nullptr);
+    for (auto [index, parent] : {std::pair{0L, color.Get()}, {2, depth.Get()}}) {
+        SmImagerFrame* const layer = right->GetLayer(index);
+        ASSERT_NE(layer, nullptr);
+        EXPECT_EQ(SubrectOf(*layer), (StRect{51, 0, 101, 30}));
+        EXPECT_EQ(dynamic_cast<SmImagerSubframe&>(*layer).GetParent(), parent);
+        EXPECT_EQ(layer->ReferenceCount(), 1) << "the image's";
+    }
+    EXPECT_EQ(right->GetColorLayer(), right->GetLayer(0));
+    EXPECT_EQ(right->GetDepthLayer(), right->GetLayer(2));
+}
+
+TEST(StereoImage, SharesLayersOfOneEye_AndLeavesOutUnknownArrangements) {
+    ImageRef const image = NewImage();
+    FrameRef const color = MakeLayer<StRGBA32Pixel>({10, 30}).Get();
+    image->SetLayer(0, color.Get());
+    EXPECT_EQ(Cut(image.Get(), 4, 1, 0)->GetLayer(0), color.Get());
+    EXPECT_EQ(Cut(image.Get(), 6, 1, 0)->GetLayerCount(), 0);
+    EXPECT_EQ(color->ReferenceCount(), 2);
+}
+
+TEST(StereoImage, KeepsItsParentsAlive) {
+    ImageRef image = NewImage();
+    image->SetLayer(0, FrameRef(MakeLayer<StRGBA32Pixel>({4, 9}).Get()).Get());
+    FillRandom(*image->GetLayer(0), KindOfID(SrCode("ColB")), 1);
+    StRGBA32Pixel const corner = image->GetRGBAAt(8, 3);
+    ImageRef const right = Cut(image.Get(), 2, 2, 1);
+    image = nullptr;
+    EXPECT_EQ(right->GetRGBAAt(3, 3), corner);
+}
+
+TEST(StereoImage, AnExactUpdatedImageAloneStaysOne) {
+    auto const updated = StRef<SmImagerUpdated>::Adopt(SmImagerUpdated::New());
+    updated->IImagerUpdated();
+    ImageRef const cut = Cut(updated.Get(), 1, 1, 0);
+    EXPECT_EQ(cut->GetClass(), SmImagerUpdated::Class());
+    EXPECT_EQ(cut->ReferenceCount(), 1);
+    StRect rect{};
+    EXPECT_FALSE(static_cast<SmImagerUpdated&>(*cut).GetUpdatedRect(rect));
+}
+
+TEST(StereoImage, AClassBelowTheUpdatedImageGivesAPlainImage) {
+    auto const derived = StRef<SmDerivedUpdated>::Adopt(SmDerivedUpdated::New());
+    derived->IImagerUpdated();
+    EXPECT_EQ(Cut(derived.Get(), 1, 1, 0)->GetClass(), SmImagerImage::Class());
 }
 
 }  // namespace

@@ -1,0 +1,137 @@
+#include "framewright/imagery/rotated_blit.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+#include "framewright/frame/frame.h"
+#include "framewright/pixel/smart_pixel.h"
+#include "framewright/thornmere/numbers.h"
+
+ScRotatedBlit::ScRotatedBlit() {
+    CalculateRotationMatrix();
+}
+
+void ScRotatedBlit::SetSource(StRect const& rect, float centreX, float centreY) {
+    mSource = rect;
+    mSourceX = centreX;
+    mSourceY = centreY;
+}
+
+void ScRotatedBlit::SetTarget(float centreX, float centreY) {
+    mTargetX = centreX;
+    mTargetY = centreY;
+}
+
+void ScRotatedBlit::SetScale(float scale) {
+    SetScale(scale, scale);
+}
+
+void ScRotatedBlit::SetScale(float x, float y) {
+    mScaleX = x;
+    mScaleY = y;
+}
+
+void ScRotatedBlit::SetInterpolation(bool interpolation) {
+    mInterpolation = interpolation;
+}
+
+// --- rotation
+
+void ScRotatedBlit::CalculateRotationMatrix() {
+    double const angle = mAngle, scaleX = mScaleX, scaleY = mScaleY;
+    mForwardCosine = static_cast<float>(std::cos(-angle));
+    mForwardSine = static_cast<float>(std::sin(-angle));
+    mReverse[0] = static_cast<float>(std::cos(angle) / scaleX);
+    mReverse[1] = static_cast<float>(std::sin(angle) / scaleY);
+    mReverse[2] = static_cast<float>(std::cos(angle) / scaleY);
+    mReverse[3] = static_cast<float>(std::sin(angle) / scaleX);
+}
+
+void ScRotatedBlit::ForwardRotate(float& x, float& y) {
+    float const u = (x - mSourceX) * mScaleX;
+    float const v = (y - mSourceY) * mScaleY;
+    x = u * mForwardCosine + v * mForwardSine + mTargetX;
+    y = mTargetY - u * mForwardSine + v * mForwardCosine;
+}
+
+void ScRotatedBlit::ReverseRotate(float& x, float& y) {
+    float const u = x - mTargetX;
+    float const v = y - mTargetY;
+    x = u * mReverse[0] + mSourceX + v * mReverse[3];
+    y = mSourceY - u * mReverse[1] + v * mReverse[2];
+}
+
+void ScRotatedBlit::ExtendLimits(StRect& rect, long x, long y) {
+    auto const extend = [](std::int32_t& first, std::int32_t& end, long place) {
+        if (place < first) first = static_cast<std::int32_t>(place);
+        if (place >= end) end = static_cast<std::int32_t>(place + 1);
+    };
+    extend(rect.left, rect.right, x);
+    extend(rect.top, rect.bottom, y);
+}
+
+// --- copying
+
+StRect ScRotatedBlit::ReachedBounds(StPoint const& sourceSize, StPoint const& destinationSize) {
+    StRect clipped{};
+    SrClipRectToFrame(clipped, mSource, sourceSize);
+    auto const reached = [this](long column, long row) {
+        StFloatPoint point{static_cast<float>(row), static_cast<float>(column)};
+        ForwardRotate(point.horizontal, point.vertical);
+        return point;
+    };
+    StFloatPoint const first = reached(clipped.left, clipped.top);
+    StRect bounds{SrITrunc(first.vertical), SrITrunc(first.horizontal), SrITrunc(first.vertical + 1.0F),
+                  SrITrunc(first.horizontal + 1.0F)};
+    for (StFloatPoint const& corner :
+         {reached(clipped.right, clipped.top), reached(clipped.left, clipped.bottom),
+          reached(clipped.right, clipped.bottom)})
+        ExtendLimits(bounds, SrITrunc(corner.horizontal), SrITrunc(corner.vertical));
+    return {std::max(bounds.top, 0), std::max(bounds.left, 0),
+            std::min(bounds.bottom, destinationSize.vertical),
+            std::min(bounds.right, destinationSize.horizontal)};
+}
+
+/// Calls copy(x, y, column, row) with the source place of each pixel in the bounds.
+template <class Copy>
+void ScRotatedBlit::Walk(StRect const& bounds, Copy const& copy) {
+    for (long row = bounds.top; row < bounds.bottom; ++row) {
+        for (long column = bounds.left; column < bounds.right; ++column) {
+            auto x = static_cast<float>(column), y = static_cast<float>(row);
+            ReverseRotate(x, y);
+            copy(x, y, column, row);
+        }
+    }
+}
+
+void ScRotatedBlit::DoIt(SmImagerFrame* source, SmImagerFrame* destination, float angle) {
+    mAngle = -angle;
+    CalculateRotationMatrix();
+    StPoint const sourceSize = source->GetSize();
+    StRect const bounds = ReachedBounds(sourceSize, destination->GetSize());
+    StRect const rect = mSource;
+    if (!mInterpolation) {
+        StRect const inside{std::max(rect.top, 0), std::max(rect.left, 0),
+                            std::min(rect.bottom, sourceSize.vertical),
+                            std::min(rect.right, sourceSize.horizontal)};
+        Walk(bounds, [&](float x, float y, long column, long row) {
+            std::int32_t const ix = SrITrunc(x), iy = SrITrunc(y);
+            if (ix < inside.left || ix >= inside.right || iy < inside.top || iy >= inside.bottom) return;
+            StRGBA32Pixel color{};
+            source->GetPixelAt(ix, iy, color);
+            destination->PutPixelAt(column, row, color);
+        });
+        return;
+    }
+    std::unique_ptr<ScSmartPixel> const smart(source->NewSmartPixel());
+    auto const left = static_cast<float>(rect.left), top = static_cast<float>(rect.top);
+    auto const lastColumn = static_cast<float>(long{rect.right} - 1);
+    auto const lastRow = static_cast<float>(long{rect.bottom} - 1);
+    Walk(bounds, [&](float x, float y, long column, long row) {
+        if (!(x >= left && x <= lastColumn && y >= top && y <= lastRow)) return;
+        if (!SrInsideFrame({SrITrunc(y), SrITrunc(x)}, sourceSize)) return;
+        source->GetFractionalSmartPixel(x, y, smart.get());
+        destination->PutPixelAt(column, row, smart.get());
+    });
+}
