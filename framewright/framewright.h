@@ -92,6 +92,7 @@
 #include "framewright/media/media_registries.h"
 #include "framewright/media/media_track.h"
 #include "framewright/media/ordered_stream.h"
+#include "framewright/media/scratch_media.h"
 #include "framewright/media/sequence_number.h"
 #include "framewright/media/simple_media.h"
 #include "framewright/media/video_spec.h"

@@ -1,5 +1,7 @@
 #include "framewright/media/media_objects.h"
 
+#include "framewright/frame/frame.h"
+#include "framewright/imagery/image.h"
 #include "framewright/media/media.h"
 #include "framewright/media/media_manager.h"
 #include "framewright/media/result.h"
@@ -137,4 +139,15 @@ bool SrCopyMedia(ScMediaLocation* source, ScMediaLocation* destination, unsigned
         CopyTrack(*from->GetTrack(i), *to, spec, progress);
     if (progress) progress->Report(100, 100);
     return true;
+}
+
+void SrWriteImagerToMedia(SmMedia* media, SmImagerImage* image, long frame, unsigned char position) {
+    long number = 0;
+    for (long i = 0; i < image->GetLayerCount(); ++i) {
+        SmImagerFrame* const layer = image->GetLayer(i);
+        if (!layer || !layer->GetSaveIntent()) continue;
+        if (SmMediaTrack* const track = media->GetTrack(number))
+            track->WriteFrames(layer, SmImagerFrame::Class(), frame, 1, 0, position, nullptr);
+        ++number;
+    }
 }

@@ -10,6 +10,8 @@
 class ScMC_;
 class ScMediaLocation;
 class ScProgressIndicator;
+class SmImagerImage;
+class SmMedia;
 class SmObject;
 class SmVideoSpec;
 
@@ -39,6 +41,12 @@ FRAMEWRIGHT_EXPORT void SrSaveObjectToMedia(ScMediaLocation* location, ScMC_* ob
 /// SkUnrecognizedMedia() when none writes `type`. Tracks of a kind that the new format has not are left out.
 FRAMEWRIGHT_EXPORT bool SrCopyMedia(ScMediaLocation* source, ScMediaLocation* destination, unsigned long type,
                                     SmVideoSpec* spec, ScProgressIndicator* progress);
+
+/// Writes the layers of an image as frame `frame` of tracks that are there: each layer with its save intent
+/// set goes to the next track of the media, and is left out where the media has no further one. `position` is
+/// the frame's place in the output, see media_track.h.
+FRAMEWRIGHT_EXPORT void SrWriteImagerToMedia(SmMedia* media, SmImagerImage* image, long frame,
+                                             unsigned char position);
 
 namespace media {
 

@@ -1,7 +1,7 @@
 // Scratch folders: where the host lets the library put temporary media. The list is the library's, in the
 // order in which folders were added, and ends with it; nothing locks.
 //
-//     SrAddScratchFolder(folder);            // temporary media of images may go there
+//     SrAddScratchFolder(folder);            // temporary media of images may go there (media/scratch_media.h)
 //     SrPurgeScratchFolder(folder);          // at start: spool files that a crash
 //     left there SrAddImagerSpoolFileInFolder(folder);  // rows that leave memory go there: a matter of its
 //     own

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "framewright/core/startup.h"
+#include "framewright/frame/layer_factory.h"
+#include "framewright/imagery/image.h"
 #include "media/media_test_support.h"
 
 namespace {
@@ -349,6 +351,31 @@ TEST_F(MediaObjects, Copy_ThatThrowsReleasesWhatItHolds) {
     EXPECT_EQ(ErrorOf([&] { Copy(0, nullptr, &progress); }), -128);
     check("cancelled");
     EXPECT_EQ(log.alive, alive);
+}
+
+// --- images
+
+TEST_F(MediaObjects, WriteImager_GivesEachLayerThatIsToBeSavedToTheNextTrack) {
+    auto const image = StRef<SmImagerImage>::Adopt(SmImagerImage::New());
+    image->IImagerImage();
+    bool const intents[] = {false, true, true, true};
+    for (bool const intent : intents) {
+        auto const layer = StRef<SmImagerFrame>::Adopt(SrMakeFrame({1, 1}, SrCode("ColB"), false, false));
+        image->AddLayer(layer.Get());
+        layer->SetSaveIntent(intent);
+    }
+    image->SetLayer(2, nullptr);  // the second that would be saved is gone
+    AddTrack("two");
+    log.lines.clear();
+    SrWriteImagerToMedia(media.Get(), image.Get(), 7, kLastFrame);
+    EXPECT_EQ(log.lines, (Lines{"one write SmImagerFrame 7 1 0 at 2", "two write SmImagerFrame 7 1 0 at 2"}));
+
+    log.lines.clear();
+    image->GetLayer(0)->SetSaveIntent(true);
+    SrWriteImagerToMedia(media.Get(), image.Get(), 0, kOnlyFrame);
+    EXPECT_EQ(log.lines, (Lines{"one write SmImagerFrame 0 1 0 at 3", "two write SmImagerFrame 0 1 0 at 3"}))
+        << "there is no third track, and none is made";
+    EXPECT_EQ(media->NumberOfTracks(), 2);
 }
 
 }  // namespace
