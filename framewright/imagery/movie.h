@@ -104,7 +104,8 @@ class FRAMEWRIGHT_EXPORT SmImagerMovie : public SmManaged<SmImagerMovie> {
 
   private:
     SmImagerImage* CutEye(long frame, StLeftOrRight eye);
-    void MakeMipmaps(long frame, SmImagerImage& image);
+    void MakeMipmaps(long frame, StRef<SmImagerImage> image);
+    void Replace(long frame, SmImagerImage* image);
     void DropEyesOf(long frame);
     void DropEyes();
 
@@ -124,8 +125,8 @@ class FRAMEWRIGHT_EXPORT SmImagerMovie : public SmManaged<SmImagerMovie> {
     // The eyes that were cut last, of the source as it was then.
     StRef<SmImagerImage> mLeftImage;
     StRef<SmImagerImage> mRightImage;
-    SmImagerImage const* mCachedSource = nullptr;  ///< for comparison only; may be gone
+    SmImagerImage const* mCachedSource = nullptr;  ///< for comparison only
     std::int32_t mCachedFrame = 0;
     std::int32_t mCachedGap = 0;
-    StRef<SmImagerImage> mLentImage;  ///< what GetImage gave last, which its mipmaps may have dropped
+    StRef<SmImagerImage> mLentImage;  ///< what GetImage gave last and nobody else keeps
 };
