@@ -74,10 +74,12 @@
 #include "framewright/imagery/primitives.h"
 #include "framewright/imagery/rotated_blit.h"
 #include "framewright/imagery/movie.h"
+#include "framewright/imagery/movie_with_media.h"
 #include "framewright/imagery/sequence.h"
 #include "framewright/imagery/stereo.h"
 #include "framewright/imagery/subframe.h"
 #include "framewright/imagery/track.h"
+#include "framewright/imagery/track_with_media.h"
 #include "framewright/imagery/updated.h"
 
 #include "framewright/media/bmp.h"
