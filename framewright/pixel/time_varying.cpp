@@ -116,10 +116,11 @@ void StTimeVaryingColor::UseStorage(Storage* storage) {
 }
 
 void StTimeVaryingColor::DropKeys() {
-    std::unique_ptr<Storage> const storage(GetStorage());
+    Storage* const storage = GetStorage();
     StColorFloats const color = storage->Keys().begin()->second;
     UseStorage(nullptr);
     SetConstant(color);
+    storage->LeaveOwner(color);
 }
 
 /// After keys may have gone: one that is alone makes the colour constant.

@@ -226,10 +226,10 @@ class FRAMEWRIGHT_EXPORT StETV<StColorFloats, StColorFloats, ScNCg<StColorFloats
     /// Deletes them, except for the first key of all.
     void DeleteKeyTimes(double from, double to);
 
-    /// The keys for code that does not know what they are keys of. Of a constant it is a new object that
-    /// the caller releases, of a colour with keys it is borrowed: such a one may be released too, which does
-    /// nothing. It looks at this colour, so it must not be used longer; a borrowed one goes when the colour
-    /// becomes constant.
+    /// The keys for code that does not know what they are keys of. Of a constant it is a new object that the
+    /// caller releases and that looks at this colour, so it must not be used longer. Of a colour with keys it
+    /// is borrowed; who adds a reference, as StRef does, may keep it when the colour becomes constant or
+    /// goes, and has in it a constant apart from the colour from then on.
     SxTimeVarying* GetTimeVarying();
     /// Of a constant it is SrGetConstNonTimeVarying(). Borrowed.
     SxTimeVarying const* GetTimeVarying() const;

@@ -8,7 +8,7 @@
 #include "framewright/thornmere/memory.h"
 #include "framewright/thornmere/multi_cache.h"
 
-/// Passes everything on to the value.
+/// Passes everything on to the value. Starts with one reference.
 template <class Value>
 class ScTimeVaryingView : public SxTimeVarying {
   public:
@@ -43,7 +43,15 @@ class ScTimeVaryingView : public SxTimeVarying {
         mValue->MoveKeyTimes(from, to, delta);
     }
     double GetLastKeyTime() const override { return mValue->GetLastKeyTime(); }
+    long ReferenceCount() const override { return mReferences; }
+    void AddReference() override { ++mReferences; }
     void DeleteThis() override { delete this; }
+    void ReleaseReference() override {
+        if (--mReferences == 0) DeleteThis();
+    }
+
+  protected:
+    void LookAt(Value* value) { mValue = value; }
 
   private:
     using Interpolator = typename Value::Interpolator;
@@ -53,11 +61,12 @@ class ScTimeVaryingView : public SxTimeVarying {
         return own ? *own : Value::Linear::GetInterpolator();
     }
 
+    long mReferences = 1;
     Value* mValue;
 };
 
-/// The storage of a value with keys: the keys, never none of them, and the values that were read last. It
-/// belongs to the value, which alone destroys it; references to it count nothing.
+/// The storage of a value with keys: the keys, never none of them, and the values that were read last. The
+/// value holds the first reference.
 template <class Value, class Extended, class Change>
 class ScTVS : public ScTimeVaryingView<StETV<Value, Extended, Change>> {
   public:
@@ -69,13 +78,18 @@ class ScTVS : public ScTimeVaryingView<StETV<Value, Extended, Change>> {
     ScTimeCache<Value>& Cache() { return mCache; }
     Map& Keys() { return mKeys; }
 
-    long ReferenceCount() const override { return 1; }
-    void AddReference() override {}
-    void ReleaseReference() override {}
+    /// The owner, constant again or about to go, gives up its reference. To those who hold others it looks
+    /// from then on like a constant of that value, which is nobody else's.
+    void LeaveOwner(Value const& value) {
+        mLast = value;
+        this->LookAt(&mLast);
+        this->ReleaseReference();
+    }
 
   private:
     ScTimeCache<Value> mCache;
     Map mKeys;
+    Owner mLast;
 };
 
 /// The view of a value that was constant when it was asked for.
@@ -83,15 +97,6 @@ template <class Value>
 class ScNonConstNonTimeVarying : public ScTimeVaryingView<Value> {
   public:
     using ScTimeVaryingView<Value>::ScTimeVaryingView;
-
-    long ReferenceCount() const override { return mReferences; }
-    void AddReference() override { ++mReferences; }
-    void ReleaseReference() override {
-        if (--mReferences == 0) this->DeleteThis();
-    }
-
-  private:
-    long mReferences = 1;
 };
 
 /// Sets the keys that it sees in another value.

@@ -194,12 +194,57 @@ TEST(TimeVaryingColor, ViewOfKeysIsBorrowed) {
     EXPECT_EQ(view, color.GetTimeVarying());
     EXPECT_EQ(view, read.GetTimeVarying());
     EXPECT_FALSE(view->IsConstant());
-    // Handles of it, and even giving it back, leave it to the colour.
+    // The first reference is the colour's.
     EXPECT_EQ(view->ReferenceCount(), 1);
-    { StRef<SxTimeVarying> const handle(view); }
-    StRef<SxTimeVarying>::Adopt(color.GetTimeVarying());
+    {
+        StRef<SxTimeVarying> const handle(view);
+        EXPECT_EQ(view->ReferenceCount(), 2);
+    }
+    EXPECT_EQ(view->ReferenceCount(), 1);
     EXPECT_EQ(KeysOf(color), kFour);
-    EXPECT_EQ(view->ReferenceCount(), 1);
+}
+
+TEST(TimeVaryingColor, AHeldViewOutlivesTheKeys) {
+    struct {
+        char const* name;
+        void (*end)(StTimeVaryingColor&, SxTimeVarying&);
+    } const rows[] = {
+        {"assigned", [](StTimeVaryingColor& color, SxTimeVarying&) { color = Color(9.0f); }},
+        {"deleted", [](StTimeVaryingColor& color, SxTimeVarying&) { color.DeleteKeyTimes(0.0, 99.0); }},
+        {"deleted through it",
+         [](StTimeVaryingColor&, SxTimeVarying& view) { view.DeleteKeyTimes(0.0, 99.0); }},
+    };
+    for (auto const& row : rows) {
+        SCOPED_TRACE(row.name);
+        StTimeVaryingColor color = Keyed(kFour);
+        StRef<SxTimeVarying> const view(color.GetTimeVarying());
+        row.end(color, *view);
+        EXPECT_EQ(view->ReferenceCount(), 1);
+        EXPECT_TRUE(view->IsConstant());
+        Recorder recorder;
+        view->EachKeyTime(recorder);
+        EXPECT_EQ(recorder.calls, (std::vector<StCall>{{0.0, 1.0f, true, true}}));
+        // It is apart from the colour.
+        view->ForceKeyTime(5.0);
+        EXPECT_EQ(view->GetNumKeyTimes(), 2);
+        EXPECT_FALSE(color.IsTimeVarying());
+        color.SetExtendedValue(7.0, Color(3.0f));
+        EXPECT_EQ(view->GetLastKeyTime(), 5.0);
+    }
+    StRef<SxTimeVarying> view;
+    {
+        StTimeVaryingColor color = Keyed(kFour);
+        view = StRef<SxTimeVarying>(color.GetTimeVarying());
+    }
+    EXPECT_TRUE(view->IsConstant());
+    EXPECT_EQ(view->GetNumKeyTimes(), 1);
+}
+
+TEST(TimeVaryingColor, DeletingThroughABorrowedViewMayEndIt) {
+    StTimeVaryingColor color = Keyed(kFour);
+    color.GetTimeVarying()->DeleteKeyTimes(0.0, kInfinity);
+    EXPECT_FALSE(color.IsTimeVarying());
+    EXPECT_EQ(Of(color.GetValue(0.0)), Of(Color(1.0f)));
 }
 
 TEST(TimeVaryingColor, ConstantViewOfAConstantIsShared) {
