@@ -21,6 +21,17 @@ void RunFormats(ListOptions const& options);
 void RunPixels(ListOptions const& options);
 
 enum class ConvertPalette { kOptimal, kStandard };
+enum class StereoLayout { kAbove, kBeside };
+/// Which eye to cut out of a picture that holds both.
+struct StereoCut {
+    StereoLayout layout = StereoLayout::kAbove;
+    bool rightEye = false;
+    long gap = 0;  ///< rows or columns between the eyes
+};
+struct Rotation {
+    double degrees = 0;  ///< counterclockwise
+    bool smooth = false;
+};
 struct ConvertOptions {
     std::string input;
     std::string output;
@@ -31,7 +42,9 @@ struct ConvertOptions {
     std::optional<ConvertPalette> palette;  ///< made for the picture if not given
     std::optional<float> rate;              ///< frames a second
     std::string codec;                      ///< a codec's code; empty is the source's
-    bool mipmap = false;                    ///< the levels of each picture's mipmap instead of the picture
+    std::optional<StereoCut> stereo;
+    std::optional<Rotation> rotation;
+    bool mipmap = false;  ///< the levels of each picture's mipmap instead of the picture
 };
 void RunConvert(ConvertOptions const& options);
 
@@ -41,6 +54,14 @@ struct MipmapOptions {
 };
 /// Converts a picture, or a numbered sequence, into the levels of its mipmap as one picture.
 void RunMipmap(MipmapOptions const& options);
+
+struct RotateOptions {
+    std::string input;
+    std::string output;
+    Rotation rotation;
+};
+/// Converts a picture, or a numbered sequence, turned by an angle.
+void RunRotate(RotateOptions const& options);
 
 enum class ShowColors { kAuto, kTrueColor, k256, kNone };
 struct ShowOptions {

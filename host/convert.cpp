@@ -127,3 +127,11 @@ void RunMipmap(MipmapOptions const& options) {
     convert.mipmap = true;
     RunConvert(convert);
 }
+
+void RunRotate(RotateOptions const& options) {
+    ConvertOptions convert;
+    convert.input = options.input;
+    convert.output = options.output;
+    convert.rotation = options.rotation;
+    RunConvert(convert);
+}

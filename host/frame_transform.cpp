@@ -4,7 +4,9 @@
 
 #include "host_error.h"
 #include "pyramid.h"
+#include "rotation.h"
 #include "source_media.h"
+#include "stereo_cut.h"
 
 namespace {
 
@@ -62,6 +64,12 @@ void RequireUsableOptions(ConvertOptions const& options) {
 
 StRef<SmImagerFrame> TransformedFrame(StRef<SmImagerFrame> frame, ConvertOptions const& options,
                                       ScProgressIndicator* progress) {
+    if (options.stereo) {
+        frame = EyeOf(frame, *options.stereo);
+        if (!frame)
+            throw HostError(options.input, "a gap of " + std::to_string(options.stereo->gap) +
+                                               " leaves nothing to the eyes");
+    }
     if (options.size) {
         StPoint const size{static_cast<std::int32_t>(options.size->first),
                            static_cast<std::int32_t>(options.size->second)};
@@ -73,6 +81,13 @@ StRef<SmImagerFrame> TransformedFrame(StRef<SmImagerFrame> frame, ConvertOptions
         if (pixelID != frame->PixelID() || options.palette == ConvertPalette::kStandard)
             frame = Converted(frame, pixelID, options, progress);
     }
+    if (options.rotation) frame = Turned(frame, *options.rotation);
     if (options.mipmap) frame = PyramidOf(frame);
     return frame;
+}
+
+StRef<SmImagerFrame> InColors(StRef<SmImagerFrame> const& picture) {
+    StRef<SmImagerFrame> colors = NewFrame(picture->GetSize(), SrCode("ColB"));
+    colors->CopyFromLayer(picture.Get());
+    return colors;
 }

@@ -66,6 +66,54 @@ void AddMipmap(CLI::App& app, MipmapOptions& options) {
                 options);
 }
 
+/// A range takes what is no number at all for one within.
+std::string RefuseNaN(std::string const& text) {
+    return std::isnan(std::strtod(text.c_str(), nullptr)) ? "Value " + text + " is no number" : "";
+}
+
+void AddRotate(CLI::App& app, RotateOptions& options) {
+    CLI::App* command = app.add_subcommand("rotate", "Write a picture turned by an angle");
+    AddInAndOut(*command, options);
+    command->add_option("--angle", options.rotation.degrees, "Degrees to turn, counterclockwise")
+        ->required()
+        ->check(CLI::Range(-1000000.0, 1000000.0))
+        ->check(RefuseNaN)
+        ->option_text("DEGREES");
+    command->add_flag("--smooth", options.rotation.smooth, "Mix the pixels that a turned one lies between");
+}
+
+/// Cutting an eye out of what is converted.
+void AddStereo(CLI::App& command, ConvertOptions& options) {
+    static std::map<std::string, StereoLayout> const kLayouts{{"above", StereoLayout::kAbove},
+                                                              {"beside", StereoLayout::kBeside}};
+    static std::map<std::string, bool> const kRightEye{{"left", false}, {"right", true}};
+    // Options may come in any order.
+    auto const cut = [&options]() -> StereoCut& {
+        if (!options.stereo) options.stereo.emplace();
+        return *options.stereo;
+    };
+    CLI::Option* const stereo =
+        command
+            .add_option_function<std::string>(
+                "--stereo", [cut](std::string const& text) { cut().layout = kLayouts.at(text); },
+                "Take one eye of a picture that holds both, the left one above or beside the right one")
+            ->check(CLI::IsMember(kLayouts))
+            ->option_text("above|beside");
+    command
+        .add_option_function<std::string>(
+            "--eye", [cut](std::string const& text) { cut().rightEye = kRightEye.at(text); },
+            "The eye to take; the left one by default")
+        ->needs(stereo)
+        ->check(CLI::IsMember(kRightEye))
+        ->option_text("left|right");
+    command
+        .add_option_function<long>(
+            "--gap", [cut](long gap) { cut().gap = gap; }, "Rows or columns between the eyes; 0 by default")
+        ->needs(stereo)
+        ->check(CLI::Range(0L, 2147483647L))
+        ->option_text("N");
+}
+
 void AddConvert(CLI::App& app, ConvertOptions& options) {
     CLI::App* command =
         app.add_subcommand("convert", "Write a picture, movie or numbered sequence as another file");
@@ -97,12 +145,10 @@ void AddConvert(CLI::App& app, ConvertOptions& options) {
         ->option_text("A-B");
     command->add_option("--rate", options.rate, "Frames a second of the output")
         ->check(CLI::Range(0.001, 1000000.0))
-        ->check([](std::string const& text) {
-            // A range takes what is no number at all for one within.
-            return std::isnan(std::strtod(text.c_str(), nullptr)) ? "Value " + text + " is no number" : "";
-        })
+        ->check(RefuseNaN)
         ->option_text("RATE");
     command->add_option("--codec", options.codec, "Codec of the output, by its code")->option_text("CODE");
+    AddStereo(*command, options);
 }
 
 void AddShow(CLI::App& app, ShowOptions& options) {
@@ -144,6 +190,7 @@ int main(int argc, char** argv) {
     ConvertOptions convert;
     ListOptions formats, pixels;
     MipmapOptions mipmap;
+    RotateOptions rotate;
     ShowOptions show;
     AddInfo(app, info);
     AddConvert(app, convert);
@@ -151,6 +198,7 @@ int main(int argc, char** argv) {
     AddList(app, "pixels", "List the pixel types", pixels);
     AddShow(app, show);
     AddMipmap(app, mipmap);
+    AddRotate(app, rotate);
 
     try {
         app.parse(argc, argv);
@@ -168,6 +216,7 @@ int main(int argc, char** argv) {
         if (app.got_subcommand("pixels")) RunPixels(pixels);
         if (app.got_subcommand("show")) RunShow(show);
         if (app.got_subcommand("mipmap")) RunMipmap(mipmap);
+        if (app.got_subcommand("rotate")) RunRotate(rotate);
     } catch (std::exception const& error) {
         PrintError(error.what());
         done = false;

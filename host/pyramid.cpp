@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "frame_transform.h"
 #include "host_error.h"
 
 namespace {
@@ -24,13 +25,6 @@ StRef<SmImagerFrame> PictureOf(SmImagerMipmap<Pixel, ScImagerNonSpool>& mipmap) 
                 picture->PutMatchedPixelAt(x, y, mipmap.GetMatchedPixelAt(x, y));
     }
     return StRef<SmImagerFrame>(picture.Get());
-}
-
-StRef<SmImagerFrame> InColors(StRef<SmImagerFrame> const& picture) {
-    auto colors = StRef<SmImagerFrame>::Adopt(SrMakeFrame(picture->GetSize(), SrCode("ColB"), true, false));
-    SrThrowIfNIL(colors.Get());
-    colors->CopyFromLayer(picture.Get());
-    return colors;
 }
 
 }  // namespace

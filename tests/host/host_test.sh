@@ -50,6 +50,31 @@ bmp24() {
   pixel=$(printf '\\x%02x\\x%02x\\x%02x' "$4" "$5" "$6")
   for ((i = 0; i < $2 * $3; ++i)); do printf '%s' "$pixel"; done | xargs -0 printf >>"$1"
 }
+# blues FILE WIDTH HEIGHT BLUE...: a bitmap of pixels of so much blue, as hex, from the top row's left on.
+blues() {
+  local file=$1 width=$2 height=$3 padding=$((($2 * 3 + 3) / 4 * 4 - $2 * 3)) x y
+  shift 3
+  local values=("$@")
+  printf 'BM'"$(le32 54)$(le32 0)$(le32 54)$(le32 40)$(le32 "$width")$(le32 "$height")$(le16 1)$(le16 24)" >"$file"
+  printf "$(le32 0)$(le32 0)$(le32 2834)$(le32 2834)$(le32 0)$(le32 0)" >>"$file"
+  for ((y = height - 1; y >= 0; --y)); do
+    for ((x = 0; x < width; ++x)); do printf "\\x${values[y * width + x]}\\0\\0" >>"$file"; done
+    for ((x = 0; x < padding; ++x)); do printf '\0' >>"$file"; done
+  done
+}
+# shows FILE WIDTH HEIGHT BLUE...: whether a bitmap holds just that, whatever its rows are padded with.
+shows() {
+  local file=$1 width=$2 height=$3 y at
+  blues expected.bin "${@:2}"
+  local same=0
+  bytes_are "$file" 18 8 "$(bytes expected.bin 18 8)" || same=1
+  for ((y = 0; y < height; ++y)); do
+    at=$((54 + y * ((width * 3 + 3) / 4 * 4)))
+    bytes_are "$file" $at $((width * 3)) "$(bytes expected.bin $at $((width * 3)))" || same=1
+  done
+  rm expected.bin
+  return $same
+}
 
 # --- the ordinary way
 bmp24 in.bmp 8 4 10 20 30
@@ -143,6 +168,76 @@ check "15-bit pixels are dithered" status_is 0
 run info in.bmp
 check "a still picture has no rate" lacks "rate"
 rm -f out.bmp
+
+# --- one eye of two
+blues stereo.bmp 5 4 01 02 03 04 05 11 12 13 14 15 21 22 23 24 25 31 32 33 34 35
+run convert stereo.bmp eye.bmp --stereo above --eye left
+check "the upper half is the left eye" shows eye.bmp 5 2 01 02 03 04 05 11 12 13 14 15
+check "cut without a word" quiet
+run convert stereo.bmp eye.bmp --stereo above --eye right
+check "the lower half is the right eye" shows eye.bmp 5 2 21 22 23 24 25 31 32 33 34 35
+run convert stereo.bmp eye.bmp --stereo above --eye right --gap 1
+check "an odd rest is left over" shows eye.bmp 5 1 21 22 23 24 25
+run convert stereo.bmp eye.bmp --stereo beside --eye left --gap 1
+check "a gap lies between the eyes" shows eye.bmp 2 4 01 02 11 12 21 22 31 32
+run convert stereo.bmp eye.bmp --gap 1 --eye right --stereo beside
+check "the right eye begins behind it" shows eye.bmp 2 4 04 05 14 15 24 25 34 35
+run convert stereo.bmp eye.bmp --stereo beside
+check "without a word of the eye it is the left one" shows eye.bmp 2 4 01 02 11 12 21 22 31 32
+run convert stereo.bmp eye.bmp --stereo beside --eye right --gap 3 --size 2x1
+check "an eye is cut before it is scaled" shows eye.bmp 1 2 05 35
+run convert "$2/examples/pictures/shapes-rle.bmp" whole.bmp
+run convert "$2/examples/pictures/shapes-rle.bmp" eye.bmp --stereo beside --eye right
+check "a picture with a palette keeps its colours" \
+  [ "$(bytes eye.bmp $((54 + 60 * 240)) 240)" = "$(bytes whole.bmp $((54 + 60 * 480 + 240)) 240)" ]
+rm -f eye.bmp whole.bmp
+run convert stereo.bmp eye.bmp --stereo above --gap 3
+check "a gap that leaves nothing fails" status_is 1
+check "with the input's name" one_error_line "stereo.bmp: a gap of 3"
+for options in "--eye left" "--gap 1" "--stereo aside" "--stereo above --eye third" "--stereo above --gap -1" \
+  "--stereo above --gap 2147483648"; do
+  run convert stereo.bmp eye.bmp $options
+  check "$options is wrong usage" status_is 2
+done
+check "nothing of these is written" absent eye.bmp
+
+# --- turned
+blues flat.bmp 4 2 01 02 03 04 05 06 07 08
+for smooth in "" --smooth; do
+  run rotate flat.bmp turned.bmp --angle 90 $smooth
+  check "a quarter turn $smooth goes counterclockwise" shows turned.bmp 2 4 04 08 03 07 02 06 01 05
+  run rotate flat.bmp turned.bmp --angle -90 $smooth
+  check "a negative one goes clockwise" shows turned.bmp 2 4 05 01 06 02 07 03 08 04
+  run rotate flat.bmp turned.bmp --angle 540 $smooth
+  check "half a turn" shows turned.bmp 4 2 08 07 06 05 04 03 02 01
+  run rotate flat.bmp turned.bmp --angle 0 $smooth
+  check "no turn" shows turned.bmp 4 2 01 02 03 04 05 06 07 08
+done
+check "turned without a word" quiet
+bmp24 square.bmp 40 40 10 20 30
+run rotate square.bmp turned.bmp --angle 45
+check "a turned square needs room" bytes_are turned.bmp 18 8 3900000039000000
+check "its corners are black" bytes_are turned.bmp 54 6 000000000000
+check "its middle is the picture" bytes_are turned.bmp $((54 + 28 * 172 + 28 * 3)) 3 0a141e
+run rotate square.bmp turned.bmp --angle 45 --smooth
+check "and so is that of a smooth one" bytes_are turned.bmp $((54 + 28 * 172 + 28 * 3)) 3 0a141e
+run rotate "$2/examples/pictures/shapes-rle.bmp" turned.bmp --angle 30 --smooth
+check "a picture with a palette can be turned" status_is 0
+for i in 1 2; do bmp24 spin0$i.bmp 8 4 $i 0 0; done
+run rotate spin01.bmp spun01.bmp --angle 90
+check "a sequence is turned frame by frame" bytes_are spun02.bmp 18 8 0400000008000000
+check "each from its own" bytes_are spun02.bmp 54 3 020000
+for angle in nan inf right 1e99 ""; do
+  run rotate flat.bmp none.bmp --angle "$angle"
+  check "an angle of $angle is wrong usage" status_is 2
+done
+run rotate flat.bmp none.bmp
+check "an angle is needed" status_is 2
+run rotate missing.bmp none.bmp --angle 5
+check "a missing file fails" status_is 1
+check "and is named" one_error_line "missing.bmp"
+check "nothing of these is written" absent none.bmp
+rm -f stereo.bmp flat.bmp square.bmp turned.bmp spin0?.bmp spun0?.bmp
 
 # --- standard output that can't be written
 fifo=$(mktemp -u) && mkfifo "$fifo"
