@@ -72,7 +72,7 @@ class FRAMEWRIGHT_EXPORT SmImagerFrame : public SmManaged<SmImagerFrame> {
     // Rows. A row's address may be held across other calls only while the row is locked.
 
     /// Keeps the rows `first` to `last`, both included, in memory until UnlockRows with the same arguments.
-    /// False when that cannot be; then nothing is to be unlocked.
+    /// False when that cannot be: a layer whose rows can leave memory then keeps one lock, on `first`.
     virtual bool LockRows(long first, long last) = 0;
     virtual void UnlockRows(long first, long last) = 0;
     /// Keeps one row in memory until UnlockRow and returns its address. Locks count.

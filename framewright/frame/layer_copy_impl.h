@@ -21,12 +21,12 @@ bool SmImagerLayer<Pixel, Spool>::BlitRect(SmImagerFrame* source, StRect const& 
     this->EnsureScreenSafe(target);
     bool locked = false;
     auto const finish = [&] {
-        if (locked) mSpooler.UnlockRows(target.top, long{target.bottom} - 1);
+        if (locked) this->UnlockRows(target.top, long{target.bottom} - 1);
         this->ReleaseScreenSafe();
     };
     try {
         if constexpr (Spool::kRowsLeaveMemory) {
-            locked = mSpooler.LockRows(target.top, long{target.bottom} - 1, this);
+            locked = this->LockRows(target.top, long{target.bottom} - 1);
             if (!locked) {
                 // More rows than memory holds: then each is held while it is written. The source gets memory
                 // for a row before this layer takes all again; from then on each makes room among its own.

@@ -284,7 +284,11 @@ void ScImagerSpool::UnlockRows(long first, long last) {
 }
 
 void ScImagerSpool::GiveUpLocks(long first, unsigned int wanted) {
-    Unlock(first);
+    {
+        // A host's own layer may have refused without a lock.
+        StHold const rows(spool::gRowLock);
+        if (!IsUnlocked(mRows[first])) --mRows[first].lockCount;
+    }
     try {
         EvictRows(wanted);
     } catch (std::exception const&) {

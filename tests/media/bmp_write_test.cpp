@@ -140,9 +140,11 @@ TEST(BmpWrite, AnyKindOfFrame_IsWrittenAsItsColors) {
         SrCode("Map1"), SrCode("Alp8"), SrCode("Al32"), SrCode("DepF"), SrCode("Dep8"), SrCode("De16"),
         SrCode("De24"), SrCode("De32"), SrCode("CMYK"),
     };
-    for (unsigned long const id : kKinds) {
-        SCOPED_TRACE(CodeText(id));
-        StRef<SmImagerFrame> const frame = Frame(3, 7, id);
+    for (unsigned i = 0; i < 2 * std::size(kKinds); ++i) {
+        unsigned long const id = kKinds[i / 2];
+        bool const spooled = i % 2 != 0;
+        SCOPED_TRACE(CodeText(id) + (spooled ? ", rows leave memory" : ""));
+        auto const frame = StRef<SmImagerFrame>::Adopt(SrMakeLayerWithSpooling({3, 7}, id, spooled, false));
         for (long y = 0; y < 3; ++y) {
             for (long x = 0; x < 7; ++x) {
                 Put(frame.Get(), x, y, static_cast<unsigned char>(x * 36),

@@ -67,6 +67,41 @@ bool IsSpooled(SmImagerFrame& frame) {
 
 // --- the choice of storage
 
+/// Notes the ranges of rows that are locked, and may refuse.
+class LockWatcher : public SmImagerLayer<StRGBA32Pixel, ScImagerSpool> {
+  public:
+    explicit LockWatcher(StPoint const& size) { IImagerLayer({0, 0}, size, false, nullptr, 0, nullptr); }
+    bool LockRows(long first, long last) override {
+        ranges.push_back({first, last});
+        return !refuses && SmImagerLayer::LockRows(first, last);
+    }
+    void UnlockRows(long first, long last) override {
+        ranges.push_back({-first, -last});
+        SmImagerLayer::UnlockRows(first, last);
+    }
+    std::vector<std::pair<long, long>> ranges;
+    bool refuses = false;
+};
+
+TEST_F(SpooledFrame, ABlitHoldsItsRows_ByTheLayersOwnOperations) {
+    using Ranges = std::vector<std::pair<long, long>>;
+    AddFile();
+    auto const source = Filled(1);
+    auto const layer = StRef<LockWatcher>::Adopt(new LockWatcher({70, 70}));
+    ++gTick;
+    layer->BlitRect(source.Get(), {0, 0, 5, 70}, {3, 0});
+    EXPECT_EQ(layer->ranges, (Ranges{{3, 7}, {-3, -7}}));
+    // Refused, each row is held while it is written, and no lock is given back that was never taken.
+    layer->ranges.clear();
+    layer->refuses = true;
+    layer->BlitRect(source.Get(), {0, 0, 70, 70}, {0, 0});
+    EXPECT_EQ(layer->ranges, (Ranges{{0, 69}}));
+    EXPECT_TRUE(IsFilled(*layer, 1));
+    EvictAll();
+    EXPECT_EQ(Manager().MemoryInUse(), 0u) << "a row is still locked";
+    EXPECT_TRUE(IsFilled(*layer, 1));
+}
+
 TEST_F(SpooledFrame, BigFramesSpoolWhereAsked) {
     struct {
         StPoint size;

@@ -6,9 +6,11 @@
 #include <typeinfo>
 
 #include "framewright/frame/frame.h"
+#include "framewright/frame/layer_factory.h"
 #include "framewright/frame/registries.h"
 #include "framewright/frame/row_lock.h"
 #include "framewright/pixel/pixels.h"
+#include "framewright/thornmere/reference.h"
 
 namespace bmp {
 
@@ -17,9 +19,15 @@ namespace bmp {
 /// part of a parent for one or a host's own class derived from a layer, may move or convert pixels on their
 /// way.
 inline bool HasPlainRows(SmImagerFrame* frame) {
+    auto const isOfTheClassOf = [frame](SmImagerFrame& made) { return typeid(made) == typeid(*frame); };
     SmImagerFrame* prototype = nullptr;
-    return ScLayerRegistry::GetObjectByID(frame->GetClass(), false, prototype) &&
-           typeid(*prototype) == typeid(*frame);
+    if (ScLayerRegistry::GetObjectByID(frame->GetClass(), false, prototype))
+        return isOfTheClassOf(*prototype);
+    // Prototypes have their rows in memory. Those whose rows can leave it are known by what the factory
+    // makes.
+    auto const made =
+        StRef<SmImagerFrame>::Adopt(SrMakeLayerWithSpooling({1, 1}, frame->PixelID(), true, false));
+    return made && isOfTheClassOf(*made);
 }
 
 /// A list of records, for choosing one by the id that a frame gives.
