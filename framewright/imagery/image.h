@@ -145,8 +145,8 @@ class FRAMEWRIGHT_EXPORT SmImagerImage : public SmManaged<SmImagerImage> {
     virtual void FillRectAt(long x, long y, long width, long height, StColorFloats const& color,
                             float transparency, float depth);
     /// Whether two samples of the colour layer are so near that nothing needs to be drawn between them: all
-    /// their channels lie in one step of the range `which` (0, else the second), or differ by no more than
-    /// it. If not, the callbacks may still have it otherwise. SkInternalRefusal() without a colour layer.
+    /// their channels differ by no more than the range `which` (0, else the second) allows. The callbacks may
+    /// have it otherwise. SkInternalRefusal() without a colour layer.
     virtual bool SamplesMatch(long x1, long y1, long x2, long y2, unsigned char which);
 
     // The rest.
