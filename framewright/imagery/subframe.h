@@ -213,6 +213,7 @@ class FRAMEWRIGHT_EXPORT SmImagerSubframe : public SmManaged<SmImagerSubframe> {
     template <class Access>
     void EachParentPixel(Access const& access) const;
     bool MergePart(SmImagerFrame* source, StRect const& part, StPoint const& place) const;
+    StRect MergeableArea(SmImagerFrame* source) const;
     void CopyNearest(SmImagerFrame* source, SmImagerFrame* mask, StRect const& from, StRect const& to);
 
     SmImagerFrame* mParent = nullptr;

@@ -19,6 +19,13 @@ bool EachStep(long first, long end, long step, Visit const& visit) {
     return true;
 }
 
+/// The first place of those from `first` on, by `step`, that is not negative.
+std::int32_t FirstInside(std::int32_t first, std::int32_t step) {
+    if (first >= 0 || step < 1) return first;
+    long const behind = first % step;
+    return static_cast<std::int32_t>(behind < 0 ? behind + step : behind);
+}
+
 long WidthOf(StRect const& rect) {
     return long{rect.right} - rect.left;
 }
@@ -108,10 +115,17 @@ void SmImagerSubframe::RectFill(StRect const& rect, ScSmartPixel* pixel) {
 /// Calls access(column, row) for each pixel of the parent that the rectangle and the spacings meet.
 template <class Access>
 void SmImagerSubframe::EachParentPixel(Access const& access) const {
-    std::optional<StPoint> const raster = Raster();
-    EachStep(mSubrect.top, mSubrect.bottom, mLineSpacing, [&](long row) {
-        return EachStep(mSubrect.left, mSubrect.right, mColumnSpacing, [&](long column) {
-            if (HasPixel(raster, column, row)) access(column, row);
+    StRect area = mSubrect;
+    if (std::optional<StPoint> const raster = Raster()) {
+        // A rectangle may reach far beyond what there is.
+        area.top = FirstInside(area.top, mLineSpacing);
+        area.left = FirstInside(area.left, mColumnSpacing);
+        area.bottom = std::min(area.bottom, raster->vertical);
+        area.right = std::min(area.right, raster->horizontal);
+    }
+    EachStep(area.top, area.bottom, mLineSpacing, [&](long row) {
+        return EachStep(area.left, area.right, mColumnSpacing, [&](long column) {
+            access(column, row);
             return true;
         });
     });
@@ -165,7 +179,7 @@ bool SmImagerSubframe::DissimilarBlit(SmImagerFrame* source, StRect const& from,
 }
 
 bool SmImagerSubframe::MergeRect(SmImagerFrame* source, StRect const& from, StPoint const& to) {
-    if (IsPlain()) return mParent->MergeRect(source, from, PlaceOf(to));
+    if (IsPlain()) return MergePart(source, from, PlaceOf(to));
     bool result = true;
     auto const merge = [&](StRect const& part, long y, long x) {
         if (!MergePart(source, part, {RowOf(y), ColumnOf(x)})) result = false;
@@ -196,22 +210,37 @@ bool SmImagerSubframe::MergeRect(SmImagerFrame* source, StRect const& from, StPo
 /// Merges what of `part` lies in the source and, at `place`, in the parent: layers clip no merge themselves,
 /// and rows and columns that are counted from a window's rectangle may lie anywhere.
 bool SmImagerSubframe::MergePart(SmImagerFrame* source, StRect const& part, StPoint const& place) const {
-    long top = part.top, left = part.left, bottom = part.bottom, right = part.right;
-    long const down = place.vertical - top, across = place.horizontal - left;
-    if (std::optional<StPoint> const raster = RasterOf(source)) {
-        top = std::max(top, 0L);
-        left = std::max(left, 0L);
-        bottom = std::min(bottom, long{raster->vertical});
-        right = std::min(right, long{raster->horizontal});
-    }
+    long const down = long{place.vertical} - part.top, across = long{place.horizontal} - part.left;
+    StRect const area = MergeableArea(source);
+    long top = std::max(part.top, area.top), left = std::max(part.left, area.left);
+    long bottom = std::min(part.bottom, area.bottom), right = std::min(part.right, area.right);
     if (std::optional<StPoint> const raster = Raster()) {
         top = std::max(top, -down);
         left = std::max(left, -across);
         bottom = std::min(bottom, raster->vertical - down);
         right = std::min(right, raster->horizontal - across);
     }
-    if (top >= bottom || left >= right) return true;
+    // Nothing is left to merge, but the answer is the parent's all the same.
+    if (top >= bottom || left >= right)
+        return mParent->MergeRect(source, {part.top, part.left, part.top, part.left}, place);
     return mParent->MergeRect(source, RectOf(top, left, bottom, right), PointOf(top + down, left + across));
+}
+
+/// What a merge into the parent may read of `source`. A window looks after its rows and pixels, but of a
+/// window of the parent's own pixel type whole rows are read, from column 0 of the layer behind it on.
+StRect SmImagerSubframe::MergeableArea(SmImagerFrame* source) const {
+    StRect area{INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};
+    SmImagerFrame* behind = source;
+    while (auto* const window = dynamic_cast<SmImagerSubframe*>(behind))
+        behind = window->GetParent();
+    std::optional<StPoint> const raster = RasterOf(behind);
+    if (!raster) return area;
+    if (behind == source) return SrWholeRect(*raster);
+    if (source->PixelID() == mParent->PixelID()) {
+        area.left = 0;
+        area.right = raster->horizontal;
+    }
+    return area;
 }
 
 // --- scaling

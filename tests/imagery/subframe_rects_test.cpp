@@ -93,6 +93,22 @@ TEST_F(SubframeRects, RectFill_BothSpaced_StaysInsideALayer) {
     EXPECT_TRUE(Same(expected, Shot(*layer)));
 }
 
+TEST_F(SubframeRects, BeyondALayer_NothingIsWalked) {
+    FrameRef const layer = MakeLayer<StRGBA32Pixel>({4, 4}).Get();
+    // -2147483647 and steps of 3 come by 2, steps of 1000 by 353.
+    for (auto [spacing, first] : {std::pair{1L, 0L}, {2, 1}, {3, 2}, {1000, 353}}) {
+        FillRandom(*layer, KindOfID(SrCode("ColB")), 1);
+        Picture expected = Shot(*layer);
+        for (long y = first; y < 4; y += spacing)
+            for (long x = first; x < 4; x += spacing)
+                for (std::size_t channel = 0; channel < 3; ++channel)
+                    expected(x, y)[channel] = static_cast<std::uint8_t>(255 - expected(x, y)[channel]);
+        StRect const vast{-0x7FFFFFFF, -0x7FFFFFFF, 0x7FFFFFFF, 0x7FFFFFFF};
+        NewWindow(layer.Get(), vast, spacing, spacing)->Invert();
+        EXPECT_TRUE(Same(expected, Shot(*layer))) << spacing;
+    }
+}
+
 // --- Erase, Flip, Invert
 
 TEST_F(SubframeRects, Erase_FillsTheWindowWithTheParentsBackground) {
@@ -268,6 +284,38 @@ TEST_F(SubframeRects, Merge_OfSpacedWindows_StaysInsideBothLayers) {
                 merge(c, r, (1 + c - 1) * columns + 2, (0 + r - 2) * lines + 1);
         EXPECT_FALSE(NewWindow(layer.Get(), window, columns, lines)->MergeRect(source.Get(), from, {0, 1}));
         EXPECT_TRUE(Same(expected, Shot(*layer))) << columns << ' ' << lines;
+    }
+}
+
+TEST_F(SubframeRects, Merge_OfSpacedWindows_StaysInside_ThroughOtherWindowsToo) {
+    for (auto [columns, lines] : {std::pair{1L, 2L}, {2, 1}, {2, 2}}) {
+        FrameRef const source = MakeLayer<StRGBA32Pixel>({7, 5}).Get();
+        FrameRef const layers[] = {MakeLayer<StRGBA32Pixel>({9, 8}).Get(),
+                                   MakeLayer<StRGBA32Pixel>({9, 8}).Get()};
+        FillRandom(*source, KindOfID(SrCode("ColB")), 2);
+        for (FrameRef const& layer : layers)
+            FillRandom(*layer, KindOfID(SrCode("ColB")), 1);
+        Window const whole = NewWindow(layers[1].Get(), {0, 0, 9, 8}, 1, 1);
+        Window const wholeSource = NewWindow(source.Get(), {0, 0, 7, 5}, 1, 1);
+        StRect const window{1, 2, 7, 8}, from{2, 1, 7, 6};
+        NewWindow(layers[0].Get(), window, columns, lines)->MergeRect(source.Get(), from, {0, 1});
+        NewWindow(whole.Get(), window, columns, lines)->MergeRect(wholeSource.Get(), from, {0, 1});
+        EXPECT_TRUE(Same(Shot(*layers[0]), Shot(*layers[1]))) << columns << ' ' << lines;
+    }
+}
+
+TEST_F(SubframeRects, Merge_OfNothing_AnswersAsTheParentDoes) {
+    for (auto [columns, lines] : {std::pair{1L, 2L}, {2, 1}, {2, 2}}) {
+        FrameRef const layer = MakeLayer<StRGBA32Pixel>({9, 8}).Get();
+        FrameRef const source = MakeLayer<StRGBA32Pixel>({7, 5}).Get();
+        FillRandom(*layer, KindOfID(SrCode("ColB")), 1);
+        Picture const before = Shot(*layer);
+        Window const spaced = NewWindow(layer.Get(), {0, 0, 4, 4}, columns, lines);
+        // Without columns, and wholly beside the window's parent.
+        layer->SetUpdated(false);
+        EXPECT_FALSE(spaced->MergeRect(source.Get(), {0, 2, 3, 2}, {100, 100})) << columns << ' ' << lines;
+        EXPECT_TRUE(layer->GetUpdated());
+        EXPECT_TRUE(Same(before, Shot(*layer)));
     }
 }
 
