@@ -1,10 +1,9 @@
 // Scratch folders: where the host lets the library put temporary media. The list is the library's, in the
 // order in which folders were added, and ends with it; nothing locks.
 //
-//     SrAddScratchFolder(folder);            // temporary media of images may go there (media/scratch_media.h)
-//     SrPurgeScratchFolder(folder);          // at start: spool files that a crash
-//     left there SrAddImagerSpoolFileInFolder(folder);  // rows that leave memory go there: a matter of its
-//     own
+//     SrPurgeScratchFolder(folder);          // at start: clears away the spool files of a crashed run
+//     SrAddImagerSpoolFileInFolder(folder);  // rows that leave memory go there: a matter of its own
+//     SrAddScratchFolder(folder);            // temporary media of images go there (media/scratch_media.h)
 #pragma once
 
 #include "framewright/core/startup.h"
