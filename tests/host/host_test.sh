@@ -369,6 +369,24 @@ run convert shot01.bmp end98.bmp
 check "a sequence that outgrows its digits fails" status_is 1
 check "with the output's name" one_error_line "end98.bmp"
 check "and writes nothing" absent end98.bmp
+run convert shot01.bmp slow01.bmp --frames 1-2 --rate 5
+check "--rate goes with --frames" status_is 0
+check "and quietly" quiet
+check "pictures keep no rate: the frames are those asked for" bytes_are slow01.bmp 54 3 140000
+check "each once" bytes_are slow02.bmp 54 3 1e0000
+check "and no more" absent slow03.bmp
+run info shot01.bmp
+check "info tells the rate of a sequence" says "rate      15 frames a second"
+check "and its duration" says "duration  0.2 seconds"
+check "and the size of its frames" says "size      4 rows, 4 columns"
+run info shot02.bmp
+check "a sequence goes from the file named on" says "frames    2"
+run info shot03.bmp
+check "the last file stands alone" says "frames    1"
+check "and has no rate" lacks "rate"
+run info --json shot01.bmp
+check "info --json counts a sequence" says '"frames": 3'
+check "and tells its rate" says '"rate": 15'
 run convert shot02.bmp one.bmp
 check "an output without a number is the file named" bytes_are one.bmp 54 3 140000
 run convert shot01.bmp part.bmp --frames 0-1

@@ -44,9 +44,8 @@ class Playback : public testing::Test {
     Playback() {
         SrGlobalMediaManager()->Register(StRef<SmMediaRecognizer>::Adopt(new NumberFormat).Get());
         for (long i = 1; i <= kFrames; ++i) {
-            char name[16];
-            std::snprintf(name, sizeof name, "shot%04ld.nmb", i);
-            folder.Write(name);
+            std::string const digits = std::to_string(i);
+            folder.Write("shot" + std::string(4 - digits.size(), '0') + digits + ".nmb");
         }
         location = LocationOf(folder.Path("shot0001.nmb"));
         CountedFrame::peak = CountedFrame::living;
