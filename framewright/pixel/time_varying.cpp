@@ -189,8 +189,8 @@ void StTimeVaryingColor::ReallyGetValue(double time, StColorFloats& out, Interpo
         auto const& [time1, color1] = *next;
         float const weight = static_cast<float>((time - time0) / (time1 - time0));
         interpolator.Interpolate(weight, time0, time1, color0, color1, out);
-        storage.Cache().Store(time, out);
     }
+    storage.Cache().Store(time, out);
 }
 
 long StTimeVaryingColor::GetNumKeyTimes() const {

@@ -326,6 +326,34 @@ TEST(TimeVaryingColor, AKeyThatIsSetIsRememberedAndTheOtherEntryStays) {
     EXPECT_EQ(Of(color.GetValue(4.0)), Of(Color(8.0f))) << "aged out";
 }
 
+TEST(TimeVaryingColor, EveryTimeThatIsReadIsRemembered) {
+    // Behind the last key.
+    StTimeVaryingColor color = Keyed({{0.0, 0.0f}, {8.0, 8.0f}});
+    EXPECT_EQ(Of(color.GetValue(16.0)), Of(Color(8.0f)));
+    color.SetExtendedValue(24.0, Color(24.0f));
+    EXPECT_EQ(Of(color.GetValue(16.0)), Of(Color(8.0f))) << "stale";
+    color.GetValue(1.0);
+    color.GetValue(2.0);
+    EXPECT_EQ(Of(color.GetValue(16.0)), Of(Color(16.0f))) << "aged out";
+
+    // With a single key.
+    color = Color(0.0f);
+    color.ForceTimeVarying();
+    EXPECT_EQ(Of(color.GetValue(4.0)), Of(Color(0.0f)));
+    color.SetExtendedValue(8.0, Color(8.0f));
+    EXPECT_EQ(Of(color.GetValue(4.0)), Of(Color(0.0f))) << "stale";
+
+    // At a key: it takes the place of another time.
+    color = Keyed({{0.0, 0.0f}, {8.0, 8.0f}});
+    Counter counter;
+    color.GetValue(4.0, counter);
+    color.GetValue(0.0, counter);
+    color.GetValue(8.0, counter);
+    EXPECT_EQ(counter.calls.size(), 1u);
+    color.GetValue(4.0, counter);
+    EXPECT_EQ(counter.calls.size(), 2u);
+}
+
 TEST(TimeVaryingColor, AKeySetAtARememberedTimeReplacesIt) {
     StTimeVaryingColor color = Keyed({{0.0, 0.0f}, {8.0, 8.0f}});
     EXPECT_EQ(Of(color.GetValue(4.0)), Of(Color(4.0f)));
