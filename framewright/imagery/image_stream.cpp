@@ -12,9 +12,6 @@
 
 namespace {
 
-/// What a frame takes on a stream at least.
-constexpr std::uint32_t kFrameHeaderBytes = 24;
-
 std::int32_t FilledPlaces(SmImagerImage& image) {
     std::int32_t filled = 0;
     for (long i = 0; i < image.GetLayerCount(); ++i)
@@ -27,7 +24,7 @@ void CheckCount(SmStream& stream, std::int32_t count) {
     if (count < 0) SrThrow(SkBadStreamFormatErrC(), nullptr);
     std::uint64_t remaining = 0;
     if (!stream.GetRemaining(remaining)) return;
-    if (static_cast<std::uint64_t>(count) > remaining / kFrameHeaderBytes) {
+    if (static_cast<std::uint64_t>(count) > remaining / frame::kLeastFrameBytes) {
         SrThrow(SkBadStreamFormatErrC(), nullptr);
     }
 }
