@@ -30,6 +30,9 @@ FRAMEWRIGHT_EXPORT void SrPutImagerToStream(SmStream& stream, SmImagerImage* ima
 /// more memory than SrGetFrameSizeLimit() beyond their bytes on the stream. A gamut of an unknown selector
 /// throws what ReadGamut does.
 ///
+/// The trap: nothing says that the layers on a stream are of one size. Who goes through rows or pixels of an
+/// image from elsewhere goes by the size of each layer, not by that of the image.
+///
 /// On a failure the image keeps what was read until then, the layers that were read whole among it, and its
 /// gamut. The layer that was not is released, unlike the frame of SrReadImagerFrameFromStream.
 FRAMEWRIGHT_EXPORT void SrGetImagerFromStream(SmStream& stream, SmImagerImage* image, bool spooled,
