@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 
 #include "framewright/frame/frame_body_format.h"
 #include "framewright/frame/frame_globals.h"
+#include "framewright/frame/frame_limit.h"
 #include "framewright/frame/layer_factory.h"
 #include "framewright/frame/layer_registration.h"
 #include "framewright/thornmere/catalog_stream.h"
@@ -71,6 +73,18 @@ bool MayHold(SmStream& stream, StFrameHeader const& header) {
     return remaining >= frame::kBodyHeaderBytes && least <= (remaining - frame::kBodyHeaderBytes) / rows;
 }
 
+/// How many bytes the stream can still give; 0 where it does not know.
+std::uint64_t Remaining(SmStream& stream) {
+    std::uint64_t remaining = 0;
+    stream.GetRemaining(remaining);
+    return remaining;
+}
+
+std::uint64_t BytesInMemory(SmImagerFrame& frame) {
+    auto const rows = static_cast<std::uint64_t>(frame.GetSize().vertical);
+    return rows * (static_cast<std::uint64_t>(std::abs(frame.BytesPerRow())) + sizeof(void*));
+}
+
 [[noreturn]] void ThrowNoSuchLayer() {
     ScMessageBuzzStrings message(SkAlertStrings(), kUnknownFrameAlert, 1, 1, SkSimpleAlert());
     SrThrow(frame::NoSuchLayerError(), &message);
@@ -113,6 +127,15 @@ SmImagerFrame* SrReadImagerFrameFromStream(SmStream& stream, bool spooled, bool 
 StRef<SmImagerFrame> frame::ReadFrameFromStream(SmStream& stream, bool spooled, bool nativeBitmap) {
     StRef<SmImagerFrame> frame = MakeAnnouncedFrame(stream, spooled, nativeBitmap);
     frame->ReadFrom(&stream);
+    return frame;
+}
+
+StRef<SmImagerFrame> frame::ScFrameReader::Next() {
+    std::uint64_t const before = Remaining(mStream);
+    StRef<SmImagerFrame> frame = ReadFrameFromStream(mStream, mSpooled, mNativeBitmap);
+    std::uint64_t const taken = before - Remaining(mStream);
+    mExcess += std::max(BytesInMemory(*frame), taken) - taken;
+    if (mExcess > SrGetFrameSizeLimit()) SrThrow(SkMemoryFull(), nullptr);
     return frame;
 }
 

@@ -1,10 +1,7 @@
 #include "framewright/imagery/image_stream.h"
 
-#include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 
-#include "framewright/frame/frame_limit.h"
 #include "framewright/frame/frame_stream.h"
 #include "framewright/pixel/gamut.h"
 #include "framewright/thornmere/error.h"
@@ -29,33 +26,12 @@ void CheckCount(SmStream& stream, std::int32_t count) {
     }
 }
 
-/// How many bytes the stream can still give; 0 where it does not know.
-std::uint64_t Remaining(SmStream& stream) {
-    std::uint64_t remaining = 0;
-    stream.GetRemaining(remaining);
-    return remaining;
-}
-
-std::uint64_t BytesInMemory(SmImagerFrame& frame) {
-    auto const rows = static_cast<std::uint64_t>(frame.GetSize().vertical);
-    return rows * (static_cast<std::uint64_t>(std::abs(frame.BytesPerRow())) + sizeof(void*));
-}
-
 void ReadLayers(SmStream& stream, SmImagerImage& image, bool spooled, bool nativeBitmap) {
     auto const count = stream.GetBigEndian<std::int32_t>();
     CheckCount(stream, count);
-    // Rows of one colour take a few bytes on a stream, and rows without pixels none, so many small frames
-    // could ask for any amount of memory. What the layers take beyond their bytes on the stream is limited,
-    // for all together as for one.
-    std::uint64_t excess = 0;
-    for (std::int32_t i = 0; i < count; ++i) {
-        std::uint64_t const before = Remaining(stream);
-        StRef<SmImagerFrame> const layer = frame::ReadFrameFromStream(stream, spooled, nativeBitmap);
-        std::uint64_t const taken = before - Remaining(stream);
-        excess += std::max(BytesInMemory(*layer), taken) - taken;
-        if (excess > SrGetFrameSizeLimit()) SrThrow(SkMemoryFull(), nullptr);
-        image.AddLayer(layer.Get());
-    }
+    frame::ScFrameReader layers(stream, spooled, nativeBitmap);
+    for (std::int32_t i = 0; i < count; ++i)
+        image.AddLayer(layers.Next().Get());
 }
 
 }  // namespace

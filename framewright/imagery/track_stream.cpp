@@ -33,8 +33,9 @@ std::int32_t GetFrameCount(SmStream& stream) {
 void GetFrames(SmStream& stream, SmImagerTrackWithMedia& track) {
     std::int32_t const count = GetFrameCount(stream);
     track.SetNumberOfFrames(count);
+    frame::ScFrameReader frames(stream, false, false);
     for (std::int32_t i = 0; i < count; ++i)
-        track.SetFrame(i, frame::ReadFrameFromStream(stream, false, false).Get());
+        track.SetFrame(i, frames.Next().Get());
 }
 
 /// A file that is not there is noted for the host, and the track goes without.

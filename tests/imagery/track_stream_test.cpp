@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "clips.h"
+#include "framewright/frame/frame_limit.h"
 #include "framewright/frame/frame_stream.h"
 #include "framewright/imagery/track_with_media.h"
 
@@ -227,6 +228,36 @@ TEST_F(TrackStream, CountsThatTheStreamCannotHold_AreRefusedBeforeTheFirstFrame)
     auto const forward = StRef<SmStream>::Adopt(new Forward(Long(0) + Long(0x7FFFFFFF) + bytes));
     SmImagerTrackWithMedia* track = nullptr;
     EXPECT_EQ(ErrorOf([&] { SrGetTrackWithMedia(*forward, track); }), -39) << "at the end of what is there";
+}
+
+/// Sets the limit and puts it back.
+struct FrameLimit {
+    explicit FrameLimit(std::uint64_t bytes) { SrSetFrameSizeLimit(bytes); }
+    ~FrameLimit() { SrSetFrameSizeLimit(was); }
+    std::uint64_t const was = SrGetFrameSizeLimit();
+};
+
+TEST_F(TrackStream, FramesThatTakeNothingOnTheStreamAreLimitedTogether) {
+    // One row of 4096 equal pixels: a few bytes on the stream.
+    auto const row = NewFrame({1, 4096}, SrCode("Gry8"));
+    row->Erase();
+    std::string const bytes = FrameBytes(*row);
+    ASSERT_LT(bytes.size(), 64u);
+    FrameLimit const limit(1 << 16);
+    for (std::uint32_t const count : {15u, 17u}) {
+        std::string whole = Long(0) + Long(count);
+        for (std::uint32_t i = 0; i < count; ++i)
+            whole += bytes;
+        long const expected = count == 15 ? 0 : SkMemoryFull();
+        EXPECT_EQ(ErrorOf([&] { Read(whole); }), expected);
+        auto const forward = StRef<SmStream>::Adopt(new Forward(whole));
+        EXPECT_EQ(ErrorOf([&] {
+                      SmImagerTrackWithMedia* track = nullptr;
+                      SrGetTrackWithMedia(*forward, track);
+                      Track::Adopt(track);
+                  }),
+                  expected);
+    }
 }
 
 TEST_F(TrackStream, ShortStreamsThrow_WhereverTheyEnd_AndLeaveNothing) {
