@@ -53,6 +53,10 @@ class FRAMEWRIGHT_EXPORT SmImagerMovieWithMedia : public SmManaged<SmImagerMovie
     ///
     /// Reading an image above 2 drops the entry two places before. What a format throws travels on; the entry
     /// then stays empty.
+    ///
+    /// The trap: with mipmapping on, GetImage keeps the mipmaps that it makes under the number that it was
+    /// asked for, also where that lies past the end: one more set for each such number. Keep to those that
+    /// there are.
     SmImagerImage* GetStoredImage(long frame) override;
 
     // The virtual operations, in slot order.

@@ -45,6 +45,10 @@ class FRAMEWRIGHT_EXPORT SmImagerTrackWithMedia : public SmManaged<SmImagerTrack
     ///
     /// Reading a frame above 2 drops the entry two places before. What the format throws travels on; the
     /// entry then stays empty.
+    ///
+    /// The trap: with mipmapping on, GetFrame keeps the mipmap that it makes under the number that it was
+    /// asked for, also where that lies past the end: one more for each such number. Keep to those that there
+    /// are.
     SmImagerFrame* GetStoredFrame(long frame) override;
 
     // The virtual operations, in slot order.
