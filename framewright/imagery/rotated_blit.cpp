@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <typeinfo>
 
-#include "framewright/frame/frame.h"
+#include "framewright/frame/layer.h"
 #include "framewright/pixel/smart_pixel.h"
 #include "framewright/thornmere/numbers.h"
 
@@ -93,15 +94,90 @@ StRect ScRotatedBlit::ReachedBounds(StPoint const& sourceSize, StPoint const& de
             std::min(bounds.right, destinationSize.horizontal)};
 }
 
+namespace {
+
+/// Carries pixels between frames of any kind.
+class ScAnyPixels {
+  public:
+    ScAnyPixels(SmImagerFrame& source, SmImagerFrame& destination, bool sampled)
+        : mSource(source), mDestination(destination), mSmart(sampled ? source.NewSmartPixel() : nullptr) {}
+
+    void Copy(long x, long y, long column, long row) const {
+        StRGBA32Pixel color{};
+        mSource.GetPixelAt(x, y, color);
+        mDestination.PutPixelAt(column, row, color);
+    }
+    void Sample(float x, float y, long column, long row) const {
+        mSource.GetFractionalSmartPixel(x, y, mSmart.get());
+        mDestination.PutPixelAt(column, row, mSmart.get());
+    }
+
+  private:
+    SmImagerFrame& mSource;
+    SmImagerFrame& mDestination;
+    std::unique_ptr<ScSmartPixel> const mSmart;
+};
+
+/// The same between plain layers of 32-bit colours, where no pixel is converted.
+class ScColorPixels {
+  public:
+    using Layer = SmImagerLayer<StRGBA32Pixel, ScImagerNonSpool>;
+
+    /// Null for frames of any other class: one that derives from this may answer in its own way.
+    static Layer* From(SmImagerFrame& frame) {
+        return typeid(frame) == typeid(Layer) ? static_cast<Layer*>(&frame) : nullptr;
+    }
+
+    ScColorPixels(Layer& source, Layer& destination) : mSource(source), mDestination(destination) {}
+
+    void Copy(long x, long y, long column, long row) const {
+        mDestination.PutMatchedPixelAt(column, row, mSource.GetMatchedPixelAt(x, y));
+    }
+    void Sample(float x, float y, long column, long row) const {
+        mDestination.PutMatchedPixelAt(column, row, mSource.GetFractionalPixel(x, y));
+    }
+
+  private:
+    Layer& mSource;
+    Layer& mDestination;
+};
+
+}  // namespace
+
 /// Calls copy(x, y, column, row) with the source place of each pixel in the bounds.
 template <class Copy>
 void ScRotatedBlit::Walk(StRect const& bounds, Copy const& copy) {
+    // A copy, which no pixel that is stored can change.
+    ScRotatedBlit rotation(*this);
     for (long row = bounds.top; row < bounds.bottom; ++row) {
         for (long column = bounds.left; column < bounds.right; ++column) {
             auto x = static_cast<float>(column), y = static_cast<float>(row);
-            ReverseRotate(x, y);
+            rotation.ReverseRotate(x, y);
             copy(x, y, column, row);
         }
+    }
+}
+
+template <class Pixels>
+void ScRotatedBlit::Carry(Pixels const& pixels, StPoint const& sourceSize, StRect const& bounds) {
+    StRect const rect = mSource;
+    auto const inside = [size = sourceSize](long x, long y) {
+        return x >= 0 && y >= 0 && x < size.horizontal && y < size.vertical;
+    };
+    if (mInterpolation) {
+        auto const left = static_cast<float>(rect.left), top = static_cast<float>(rect.top);
+        auto const lastColumn = static_cast<float>(long{rect.right} - 1);
+        auto const lastRow = static_cast<float>(long{rect.bottom} - 1);
+        Walk(bounds, [&](float x, float y, long column, long row) {
+            bool const inRect = x >= left && x <= lastColumn && y >= top && y <= lastRow;
+            if (inRect && inside(SrITrunc(x), SrITrunc(y))) pixels.Sample(x, y, column, row);
+        });
+    } else {
+        Walk(bounds, [&](float fx, float fy, long column, long row) {
+            long const x = SrITrunc(fx), y = SrITrunc(fy);
+            bool const inRect = x >= rect.left && x < rect.right && y >= rect.top && y < rect.bottom;
+            if (inRect && inside(x, y)) pixels.Copy(x, y, column, row);
+        });
     }
 }
 
@@ -110,28 +186,11 @@ void ScRotatedBlit::DoIt(SmImagerFrame* source, SmImagerFrame* destination, floa
     CalculateRotationMatrix();
     StPoint const sourceSize = source->GetSize();
     StRect const bounds = ReachedBounds(sourceSize, destination->GetSize());
-    StRect const rect = mSource;
-    if (!mInterpolation) {
-        StRect const inside{std::max(rect.top, 0), std::max(rect.left, 0),
-                            std::min(rect.bottom, sourceSize.vertical),
-                            std::min(rect.right, sourceSize.horizontal)};
-        Walk(bounds, [&](float x, float y, long column, long row) {
-            std::int32_t const ix = SrITrunc(x), iy = SrITrunc(y);
-            if (ix < inside.left || ix >= inside.right || iy < inside.top || iy >= inside.bottom) return;
-            StRGBA32Pixel color{};
-            source->GetPixelAt(ix, iy, color);
-            destination->PutPixelAt(column, row, color);
-        });
-        return;
+    auto* const sourceColors = ScColorPixels::From(*source);
+    auto* const destinationColors = ScColorPixels::From(*destination);
+    if (sourceColors && destinationColors) {
+        Carry(ScColorPixels(*sourceColors, *destinationColors), sourceSize, bounds);
+    } else {
+        Carry(ScAnyPixels(*source, *destination, mInterpolation), sourceSize, bounds);
     }
-    std::unique_ptr<ScSmartPixel> const smart(source->NewSmartPixel());
-    auto const left = static_cast<float>(rect.left), top = static_cast<float>(rect.top);
-    auto const lastColumn = static_cast<float>(long{rect.right} - 1);
-    auto const lastRow = static_cast<float>(long{rect.bottom} - 1);
-    Walk(bounds, [&](float x, float y, long column, long row) {
-        if (!(x >= left && x <= lastColumn && y >= top && y <= lastRow)) return;
-        if (!SrInsideFrame({SrITrunc(y), SrITrunc(x)}, sourceSize)) return;
-        source->GetFractionalSmartPixel(x, y, smart.get());
-        destination->PutPixelAt(column, row, smart.get());
-    });
 }

@@ -59,6 +59,8 @@ class FRAMEWRIGHT_EXPORT ScRotatedBlit {
     StRect ReachedBounds(StPoint const& sourceSize, StPoint const& destinationSize);
     template <class Copy>
     void Walk(StRect const& bounds, Copy const& copy);
+    template <class Pixels>
+    void Carry(Pixels const& pixels, StPoint const& sourceSize, StRect const& bounds);
 
     StRect mSource{0, 0, 320, 200};
     float mSourceX = 160.0F;

@@ -9,6 +9,7 @@
 #include "frame/kinds.h"
 #include "framewright/frame/layer_factory.h"
 #include "recording_frame.h"
+#include "slots.h"
 
 using namespace testing_frames;
 using testing::ElementsAre;
@@ -54,6 +55,20 @@ Points VisitedBy(ScImagerPrimitive& shape) {
         points.emplace_back(x, y);
     }
     return points;
+}
+
+// --- the table of operations
+
+TEST(Primitives, OperationsStandInTheirOrder) {
+    using Shape = ScImagerPrimitive;
+    long expected = 2;  // behind the two entries of the destructor
+    for (long const slot :
+         {SlotOf(&Shape::SetColor), SlotOf(&Shape::GetColor), SlotOf(&Shape::SetData),
+          SlotOf(&Shape::GetData), SlotOf(&Shape::MoveAbsolute), SlotOf(&Shape::MoveRelative),
+          SlotOf(&Shape::ResizeAbsolute), SlotOf(&Shape::ResizeRelative), SlotOf(&Shape::EmptyData),
+          SlotOf(&Shape::SetFilled), SlotOf(&Shape::GetFilled), SlotOf(&Shape::Replace),
+          SlotOf(&Shape::Merge), SlotOf(&Shape::Blend), SlotOf(&Shape::XOR)})
+        EXPECT_EQ(slot, expected++);
 }
 
 // --- fields

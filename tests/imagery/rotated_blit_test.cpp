@@ -266,13 +266,13 @@ class RotatedBlitTurns : public testing::TestWithParam<StTurn> {
         return {std::max(bounds.top, 0), std::max(bounds.left, 0), std::min(bounds.bottom, 45),
                 std::min(bounds.right, 50)};
     }
-    void Run(bool interpolation) {
+    void Run(bool interpolation, SmImagerFrame& from, SmImagerFrame& to) {
         ScRotatedBlit blit;
         blit.SetSource(Turn().rect, Turn().sourceX, Turn().sourceY);
         blit.SetTarget(Turn().targetX, Turn().targetY);
         blit.SetScale(Turn().scaleX, Turn().scaleY);
         blit.SetInterpolation(interpolation);
-        blit.DoIt(source.Get(), canvas.Get(), Turn().angle);
+        blit.DoIt(&from, &to, Turn().angle);
     }
 
     Layer const source = RandomLayer({30, 40}, 1), canvas = RandomLayer({45, 50}, 2);
@@ -289,7 +289,7 @@ TEST_P(RotatedBlitTurns, PlainTakesTheTruncatedPixel) {
             bool const inRect = x >= rect.left && x < rect.right && y >= rect.top && y < rect.bottom;
             if (inRect && x >= 0 && y >= 0 && x < 40 && y < 30) expected(column, row) = At(*source, x, y);
         }
-    Run(false);
+    Run(false, *source, *canvas);
     EXPECT_TRUE(Same(expected, Shot(*canvas)));
 }
 
@@ -305,8 +305,52 @@ TEST_P(RotatedBlitTurns, InterpolatedSamplesUpToTheLastPixel) {
             bool const inFrame = x > -1 && y > -1 && x < 40 && y < 30;
             if (inRect && inFrame) expected(column, row) = ToNative(source->GetFractionalPixel(x, y));
         }
-    Run(true);
+    Run(true, *source, *canvas);
     EXPECT_TRUE(Same(expected, Shot(*canvas)));
+}
+
+/// A host's own class, whose operations are to be asked for each pixel.
+class Asked : public PlainLayer<StRGBA32Pixel> {
+    using Base = PlainLayer<StRGBA32Pixel>;
+
+  public:
+    static StRef<Asked> Like(Layer const& layer) {
+        auto asked = StRef<Asked>::Adopt(new Asked);
+        asked->IImagerLayer({0, 0}, layer->GetSize(), false, nullptr, 0, nullptr);
+        asked->BlitRect(layer.Get(), SrWholeRect(layer->GetSize()), {0, 0});
+        return asked;
+    }
+    int asked = 0;
+    using Base::GetPixelAt;
+    using Base::PutPixelAt;
+    void GetPixelAt(long x, long y, StRGBA32Pixel& pixel) override {
+        ++asked;
+        Base::GetPixelAt(x, y, pixel);
+    }
+    void PutPixelAt(long x, long y, StRGBA32Pixel const& pixel) override {
+        ++asked;
+        Base::PutPixelAt(x, y, pixel);
+    }
+    void GetFractionalSmartPixel(float x, float y, ScSmartPixel* pixel) override {
+        ++asked;
+        Base::GetFractionalSmartPixel(x, y, pixel);
+    }
+    void PutPixelAt(long x, long y, ScSmartPixel const* pixel) override {
+        ++asked;
+        Base::PutPixelAt(x, y, pixel);
+    }
+};
+
+TEST_P(RotatedBlitTurns, DerivedClassesAreAsked_AndGetTheSamePicture) {
+    for (bool const interpolation : {false, true}) {
+        auto const askedSource = Asked::Like(source), askedCanvas = Asked::Like(canvas);
+        Picture const before = Shot(*askedCanvas);
+        Run(interpolation, *askedSource, *askedCanvas);
+        Run(interpolation, *source, *canvas);
+        EXPECT_TRUE(Same(Shot(*canvas), Shot(*askedCanvas)));
+        EXPECT_EQ(askedSource->asked, askedCanvas->asked);
+        EXPECT_EQ(askedSource->asked == 0, Same(before, Shot(*askedCanvas)));
+    }
 }
 
 // --- other rules
