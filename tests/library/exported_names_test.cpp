@@ -212,6 +212,61 @@ TEST(ExportedNames, SetUpRoutinesCanBeRunByTheHost) {
     EXPECT_NE(SrGlobalMediaManager()->GetRecognizerByType(SrCode("BMP ")), nullptr);
 }
 
+TEST(ExportedNames, GamutsWorkOnAHostsSamples) {
+    struct Samples : ScColorSampleSet {
+        void ForEachSample(ScColorSampleIterator& iterator) override {
+            for (long i = 0; i < 3; ++i)
+                iterator.HandleSample(i, values[i]);
+        }
+        void SetAllSamples(StColorFloats const& color) override {
+            values[0] = values[1] = values[2] = color.red;
+        }
+        float values[3] = {-1.0f, 0.5f, 3.0f};
+    } samples;
+    std::unique_ptr<ScGamut> const gamut(new ScScaledGamut);
+    gamut->ConstrainSamples(samples);
+    EXPECT_THAT(samples.values, testing::ElementsAre(0.0f, 0.375f, 1.0f));
+
+    auto const stream = StRef<SmMemoryStream>::Adopt(SmMemoryStream::New());
+    stream->IMemoryStream();
+    ScDebugGamut debug(SkDefaultDebugOverflowColor(), SkDefaultDebugUnderflowColor());
+    WriteGamut(*stream, &debug);
+    stream->SetPosition(0);
+    ScGamut* read = nullptr;
+    ReadGamut(*stream, read);
+    std::unique_ptr<ScGamut> const owned(read);
+    ASSERT_TRUE(dynamic_cast<ScDebugGamut*>(read));
+    EXPECT_NE(SkUnknownGamutError(), 0);
+}
+
+TEST(ExportedNames, ColorsHaveKeysAndAHostsInterpolator) {
+    struct Steps : ScVI<StColorFloats> {
+        void Interpolate(float, double, double, StColorFloats const& earlier, StColorFloats const&,
+                         StColorFloats& out) override {
+            out = earlier;
+        }
+    } steps;
+    struct Count : ScTVI<StColorFloats> {
+        void KeyTime(double, StColorFloats const*, bool, bool) override { ++keys; }
+        int keys = 0;
+    } count;
+    StTimeVaryingColor color(StColorFloats{0.0f, 0.0f, 0.0f});
+    color.SetExtendedValue(2.0, {1.0f, 1.0f, 1.0f});
+    EXPECT_EQ(color.GetValue(1.0).green, 0.5f);
+    EXPECT_EQ(color.GetValue(1.5, steps).green, 0.0f);
+    StTimeVaryingColor const copy(color);
+    copy.EachKeyTime(count);
+    EXPECT_EQ(count.keys, 2);
+    StRef<SxTimeVarying> const view(color.GetTimeVarying());
+    view->ForceKeyTime(1.75, steps);
+    EXPECT_EQ(color.GetNumKeyTimes(), 3);
+    color = StColorFloats{1.0f, 0.0f, 0.0f};
+    EXPECT_TRUE(view->IsConstant());
+    auto const own = StRef<SxTimeVarying>::Adopt(color.GetTimeVarying());
+    EXPECT_EQ(own->GetNumKeyTimes(), 1);
+    EXPECT_TRUE(SrGetConstNonTimeVarying()->IsConstant());
+}
+
 TEST(ExportedNames, PictureIsSavedAndLoaded) {
     char folder[] = "/tmp/framewright-exported-XXXXXX";
     ASSERT_TRUE(mkdtemp(folder));
