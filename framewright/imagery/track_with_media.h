@@ -107,5 +107,6 @@ FRAMEWRIGHT_EXPORT void SrPutTrackWithMedia(SmStream& stream, SmImagerTrackWithM
 /// is no failure: its location goes on the list of missing media (SrGetMissingMediaList), and the track has
 /// the location and no frames. Any other first number gives a new, empty track. A bad stream throws, and
 /// `track` is left: a number of frames that is negative SkBadStreamFormatErrC(), one that the stream cannot
-/// hold -39.
+/// hold -39, and frames that together take more memory beyond their bytes on the stream than one frame may
+/// (SrGetFrameSizeLimit) -108.
 FRAMEWRIGHT_EXPORT void SrGetTrackWithMedia(SmStream& stream, SmImagerTrackWithMedia*& track);
