@@ -16,15 +16,28 @@ constexpr float kCentre = 512.0F;
 using Color = StRGBA32Pixel;
 using Layer = SmImagerLayer<Color, ScImagerNonSpool>;
 
-StRef<Layer> NewLayer() {
-    auto layer = StRef<Layer>::Adopt(Layer::New());
-    layer->IImagerLayer({0, 0}, {kSide, kSide}, false, nullptr, 0, nullptr);
+void FillWithNoise(Layer& layer) {
+    layer.IImagerLayer({0, 0}, {kSide, kSide}, false, nullptr, 0, nullptr);
     std::mt19937 random(1);
     for (long y = 0; y < kSide; ++y) {
-        auto* const row = static_cast<std::uint32_t*>(layer->GetRow(y));
+        auto* const row = static_cast<std::uint32_t*>(layer.GetRow(y));
         for (long x = 0; x < kSide; ++x)
             row[x] = static_cast<std::uint32_t>(random());
     }
+}
+
+StRef<Layer> NewPlain() {
+    auto layer = StRef<Layer>::Adopt(Layer::New());
+    FillWithNoise(*layer);
+    return layer;
+}
+
+/// A class of a host's own is asked for each pixel by the frame's operations.
+class Derived : public Layer {};
+
+StRef<Layer> NewDerived() {
+    auto layer = StRef<Layer>::Adopt(new Derived);
+    FillWithNoise(*layer);
     return layer;
 }
 
@@ -74,8 +87,8 @@ void RotatePlainly(StPlain const& from, StPlain const& to, float angle, bool int
     }
 }
 
-void Rotation(benchmark::State& state, bool interpolation) {
-    auto const source = NewLayer(), canvas = NewLayer(), plain = NewLayer();
+void Rotation(benchmark::State& state, StRef<Layer> (*make)(), bool interpolation) {
+    auto const source = make(), canvas = make(), plain = make();
     StPlain const plainSource(*source), plainCanvas(*plain);
     constexpr float kAngle = 0.5F;
     ScRotatedBlit blit;
@@ -94,7 +107,11 @@ void Rotation(benchmark::State& state, bool interpolation) {
         });
     state.counters["ns"] = state.counters["floor"] * state.counters["ratio"] * 1e9 / (kSide * kSide);
 }
-BENCHMARK_CAPTURE(Rotation, Plain, false)->UseManualTime()->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Rotation, Interpolated, true)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Rotation, Plain, NewPlain, false)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Rotation, Interpolated, NewPlain, true)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Rotation, PlainDerived, NewDerived, false)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Rotation, InterpolatedDerived, NewDerived, true)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace

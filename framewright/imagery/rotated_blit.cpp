@@ -56,11 +56,24 @@ void ScRotatedBlit::ForwardRotate(float& x, float& y) {
     y = mTargetY - u * mForwardSine + v * mForwardCosine;
 }
 
+/// The rotation back, by terms of its own that no pixel which is stored can change.
+struct ScRotatedBlit::StReverse {
+    void Rotate(float& x, float& y) const {
+        float const u = x - targetX;
+        float const v = y - targetY;
+        x = u * r1 + sourceX + v * r4;
+        y = sourceY - u * r2 + v * r3;
+    }
+    float targetX, targetY, sourceX, sourceY;
+    float r1, r2, r3, r4;
+};
+
+ScRotatedBlit::StReverse ScRotatedBlit::Reverse() const {
+    return {mTargetX, mTargetY, mSourceX, mSourceY, mReverse[0], mReverse[1], mReverse[2], mReverse[3]};
+}
+
 void ScRotatedBlit::ReverseRotate(float& x, float& y) {
-    float const u = x - mTargetX;
-    float const v = y - mTargetY;
-    x = u * mReverse[0] + mSourceX + v * mReverse[3];
-    y = mSourceY - u * mReverse[1] + v * mReverse[2];
+    Reverse().Rotate(x, y);
 }
 
 void ScRotatedBlit::ExtendLimits(StRect& rect, long x, long y) {
@@ -95,6 +108,11 @@ StRect ScRotatedBlit::ReachedBounds(StPoint const& sourceSize, StPoint const& de
 }
 
 namespace {
+
+/// By way of double, which costs the processor less and gives the same.
+long Truncated(float value) {
+    return SrITrunc(static_cast<double>(value));
+}
 
 /// Carries pixels between frames of any kind.
 class ScAnyPixels {
@@ -147,12 +165,11 @@ class ScColorPixels {
 /// Calls copy(x, y, column, row) with the source place of each pixel in the bounds.
 template <class Copy>
 void ScRotatedBlit::Walk(StRect const& bounds, Copy const& copy) {
-    // A copy, which no pixel that is stored can change.
-    ScRotatedBlit rotation(*this);
+    StReverse const reverse = Reverse();
     for (long row = bounds.top; row < bounds.bottom; ++row) {
         for (long column = bounds.left; column < bounds.right; ++column) {
             auto x = static_cast<float>(column), y = static_cast<float>(row);
-            rotation.ReverseRotate(x, y);
+            reverse.Rotate(x, y);
             copy(x, y, column, row);
         }
     }
@@ -170,11 +187,11 @@ void ScRotatedBlit::Carry(Pixels const& pixels, StPoint const& sourceSize, StRec
         auto const lastRow = static_cast<float>(long{rect.bottom} - 1);
         Walk(bounds, [&](float x, float y, long column, long row) {
             bool const inRect = x >= left && x <= lastColumn && y >= top && y <= lastRow;
-            if (inRect && inside(SrITrunc(x), SrITrunc(y))) pixels.Sample(x, y, column, row);
+            if (inRect && inside(Truncated(x), Truncated(y))) pixels.Sample(x, y, column, row);
         });
     } else {
         Walk(bounds, [&](float fx, float fy, long column, long row) {
-            long const x = SrITrunc(fx), y = SrITrunc(fy);
+            long const x = Truncated(fx), y = Truncated(fy);
             bool const inRect = x >= rect.left && x < rect.right && y >= rect.top && y < rect.bottom;
             if (inRect && inside(x, y)) pixels.Copy(x, y, column, row);
         });

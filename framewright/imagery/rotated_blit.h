@@ -55,6 +55,9 @@ class FRAMEWRIGHT_EXPORT ScRotatedBlit {
     void ExtendLimits(StRect& rect, long x, long y);
 
   private:
+    struct StReverse;
+
+    StReverse Reverse() const;
     /// Rows and columns of the destination that the source can reach.
     StRect ReachedBounds(StPoint const& sourceSize, StPoint const& destinationSize);
     template <class Copy>
