@@ -224,11 +224,14 @@ TEST(ImagerMovie, SetLayerOfImage_OfNothingMakesNothingButRoom) {
 
 /// Images of 5 rows with a gap of 1: the left eye's rows 0 and 1, the right eye's 3 and 4. The upper half has
 /// `number` in its first pixel, the lower one `number` + 100.
-StRef<SmImagerImage> Above(long number) {
-    auto const frame = NewFrame({5, 2});
+StRef<SmImagerFrame> AboveFrame(long number) {
+    auto frame = NewFrame({5, 2});
     PutNumber(*frame, number);
     frame->PutPixelAt(0, 3, StRGBA32Pixel{0, 0, static_cast<unsigned char>(number + 100), 255});
-    return NewImage(frame.Get());
+    return frame;
+}
+StRef<SmImagerImage> Above(long number) {
+    return NewImage(AboveFrame(number).Get());
 }
 
 class StereoMovie : public testing::Test {
@@ -328,9 +331,12 @@ TEST_F(StereoMovie, EyesAreCutAnewWhenAnythingHasChanged) {
 }
 
 TEST_F(StereoMovie, AnotherSourceUnderTheSameNumberIsSeen) {
-    // Entry 0 stands in for 4; a new image there may lie where the old one lay.
+    // Entry 0 stands in for 4. The new image there is made when the old one is gone, and mostly lies where
+    // that lay.
     for (long number = 0; number < 20; ++number) {
-        movie->SetImage(0, Above(number).Get(), false);
+        auto const frame = AboveFrame(number);
+        movie->ReleaseImage(0);
+        movie->SetImage(0, NewImage(frame.Get()).Get(), false);
         EXPECT_EQ(Red(4, kLeft), number);
     }
 }
