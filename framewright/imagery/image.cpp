@@ -35,6 +35,7 @@ void SmImagerImage::Free() {
     mLayers.clear();
     mCallbacks.clear();
     mColorLayer = mDepthLayer = mMaskLayer = nullptr;
+    mFormerMask = nullptr;
     delete mGamut;
     mGamut = nullptr;
     SmObject::Free();

@@ -60,8 +60,8 @@ class FRAMEWRIGHT_EXPORT SmImagerImage : public SmManaged<SmImagerImage> {
     /// Takes the first entry that is this frame off the list and drops its reference; nothing if there is
     /// none. The entries behind it move up.
     ///
-    /// The trap: the mask pointer is left as it stands. Who removes the mask layer keeps the frame alive
-    /// until the image is gone, or does not ask for the mask again.
+    /// The mask layer is left as it stands: once off the list, the frame is still the mask, and the image
+    /// keeps its reference until it goes.
     virtual void RemoveLayer(SmImagerFrame* frame);
     /// The entry at `index`, counted from 0. Borrowed; null for an empty place, and outside the list.
     virtual SmImagerFrame* GetLayer(long index);
@@ -71,7 +71,7 @@ class FRAMEWRIGHT_EXPORT SmImagerImage : public SmManaged<SmImagerImage> {
     /// takes the size of the frame; null leaves it. Purpose and save intent stay as they are. A negative
     /// index throws SkInternalRefusal().
     ///
-    /// The trap of RemoveLayer is here too: replacing the mask layer does not free its slot.
+    /// Here too the mask layer is left as it stands: replacing it does not free its slot.
     virtual void SetLayer(long index, SmImagerFrame* frame);
 
     // Whole images.
@@ -186,7 +186,8 @@ class FRAMEWRIGHT_EXPORT SmImagerImage : public SmManaged<SmImagerImage> {
     SmImagerFrame* mColorLayer = nullptr;  // entries of mLayers, not counted again
     SmImagerFrame* mDepthLayer = nullptr;
     SmImagerFrame* mMaskLayer = nullptr;
-    ScGamut* mGamut = nullptr;  // owned
+    StRef<SmImagerFrame> mFormerMask;  // mMaskLayer, once that is no entry any more
+    ScGamut* mGamut = nullptr;         // owned
     StRGBAFloatPixel mRanges[2] = {{0.01F, 0.01F, 0.01F, 0.01F}, {0.01F, 0.01F, 0.01F, 0.01F}};
     std::uint32_t mTolerances[2] = {0x01010101, 0x01010101};  // 0xAARRGGBB, as GetRGBAPixelAsLong
     std::uint32_t mMasks[2] = {0xFEFEFEFE, 0xFEFEFEFE};

@@ -96,6 +96,7 @@ void SmImagerImage::RemoveLayer(SmImagerFrame* frame) {
     if (entry == mLayers.end()) return;
     if (mColorLayer == frame) mColorLayer = nullptr;
     if (mDepthLayer == frame) mDepthLayer = nullptr;
+    if (mMaskLayer == frame) mFormerMask = frame;
     mLayers.erase(entry);
 }
 
@@ -107,6 +108,7 @@ void SmImagerImage::SetLayer(long index, SmImagerFrame* frame) {
     StRef<SmImagerFrame>& entry = mLayers[place];
     if (entry && mColorLayer == entry.Get()) mColorLayer = nullptr;
     if (entry && mDepthLayer == entry.Get()) mDepthLayer = nullptr;
+    if (entry && mMaskLayer == entry.Get()) mFormerMask = entry;
     entry = frame;
     if (!frame) return;
 

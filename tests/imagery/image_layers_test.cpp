@@ -183,15 +183,28 @@ TEST(ImageLayers, Remove_OfAStrangerDoesNothing) {
     EXPECT_EQ(image->GetLayerCount(), 2);
 }
 
-// The host keeps such a frame alive.
 TEST(ImageLayers, Remove_LeavesTheMaskPointerAsItStands) {
-    auto const image = NewImage();
+    auto image = NewImage();
     auto const mask = NewMask({3, 5});
     image->SetLayer(0, mask.Get());
     image->RemoveLayer(mask.Get());
     EXPECT_EQ(image->GetMaskLayer(), mask.Get());
     EXPECT_EQ(image->GetLayerCount(), 0);
+    image = nullptr;
     EXPECT_EQ(mask->ReferenceCount(), 1);
+}
+
+TEST(ImageLayers, AMaskThatIsNoLayerAnyMore_CanStillBeRead) {
+    for (bool replaced : {false, true}) {
+        auto const image = NewImage();
+        image->SetLayer(0, NewMask({3, 5}).Get());
+        image->GetMaskLayer()->PutPixelAt(1, 2, StAlpha8Pixel{9});
+        if (replaced)
+            image->SetLayer(0, NewMask({3, 5}).Get());
+        else
+            image->RemoveLayer(image->GetMaskLayer());
+        EXPECT_EQ(image->GetMaskAt(1, 2), 9);
+    }
 }
 
 // --- SetLayer
