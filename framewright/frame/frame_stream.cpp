@@ -7,6 +7,7 @@
 #include "framewright/frame/frame_body_format.h"
 #include "framewright/frame/frame_globals.h"
 #include "framewright/frame/frame_limit.h"
+#include "framewright/frame/frame_reader.h"
 #include "framewright/frame/layer_factory.h"
 #include "framewright/frame/layer_registration.h"
 #include "framewright/thornmere/catalog_stream.h"
@@ -26,6 +27,8 @@ struct StFrameHeader {
     std::int32_t pixelSize;
     StPoint size;
 };
+
+constexpr std::uint64_t kHeaderBytes = 24;
 
 StFrameHeader ReadHeader(SmStream& stream) {
     stream.GetBigEndian<std::uint32_t>();  // the version
@@ -128,6 +131,16 @@ StRef<SmImagerFrame> frame::ReadFrameFromStream(SmStream& stream, bool spooled, 
     StRef<SmImagerFrame> frame = MakeAnnouncedFrame(stream, spooled, nativeBitmap);
     frame->ReadFrom(&stream);
     return frame;
+}
+
+std::int32_t frame::ScFrameReader::ReadCount() {
+    auto const count = mStream.GetBigEndian<std::int32_t>();
+    if (count < 0) SrThrow(SkBadStreamFormatErrC(), nullptr);
+    std::uint64_t remaining = 0;
+    bool const isKnown = mStream.GetRemaining(remaining);
+    if (isKnown && static_cast<std::uint64_t>(count) > remaining / kHeaderBytes)
+        SrThrow(SkEndOfFile(), nullptr);
+    return count;
 }
 
 StRef<SmImagerFrame> frame::ScFrameReader::Next() {

@@ -13,11 +13,8 @@
 // Neither the save intent nor foreground and background are kept.
 #pragma once
 
-#include <cstdint>
-
 #include "framewright/frame/frame.h"
 #include "framewright/thornmere/export.h"
-#include "framewright/thornmere/reference.h"
 
 class ScCatalogWriteStream;
 class SmStream;
@@ -40,32 +37,6 @@ FRAMEWRIGHT_EXPORT void SrWriteImagerFrameToStream(SmStream& stream, SmImagerFra
 /// is not released here.
 FRAMEWRIGHT_EXPORT SmImagerFrame* SrReadImagerFrameFromStream(SmStream& stream, bool spooled,
                                                               bool nativeBitmap);
-
-namespace frame {
-
-/// The same, for readers of records that hold several frames: a frame whose body cannot be read is released.
-StRef<SmImagerFrame> ReadFrameFromStream(SmStream& stream, bool spooled, bool nativeBitmap);
-
-/// Reads the frames of a record that holds several. Rows of one colour take a few bytes on a stream, and rows
-/// without pixels none, so many small records could ask for any amount of memory. What the frames take beyond
-/// their bytes on the stream is limited, for all together as for one: -108 past SrGetFrameSizeLimit().
-class ScFrameReader {
-  public:
-    ScFrameReader(SmStream& stream, bool spooled, bool nativeBitmap)
-        : mStream(stream), mSpooled(spooled), mNativeBitmap(nativeBitmap) {}
-    StRef<SmImagerFrame> Next();
-
-  private:
-    SmStream& mStream;
-    bool mSpooled;
-    bool mNativeBitmap;
-    std::uint64_t mExcess = 0;
-};
-
-/// A frame takes no fewer bytes on a stream than its header has: a count of frames that says so is a lie.
-constexpr std::uint64_t kLeastFrameBytes = 24;
-
-}  // namespace frame
 
 /// Writes the frame as a section of its own, version 0x100. -108 for a catalog without a stream.
 /// SrImagerFrameFromStream (media/frame_section.h) reads it.

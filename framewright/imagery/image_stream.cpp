@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "framewright/frame/frame_reader.h"
 #include "framewright/frame/frame_stream.h"
 #include "framewright/pixel/gamut.h"
 #include "framewright/thornmere/error.h"
@@ -16,20 +17,9 @@ std::int32_t FilledPlaces(SmImagerImage& image) {
     return filled;
 }
 
-/// Refuses a number of layers whose headers alone the stream has no room for.
-void CheckCount(SmStream& stream, std::int32_t count) {
-    if (count < 0) SrThrow(SkBadStreamFormatErrC(), nullptr);
-    std::uint64_t remaining = 0;
-    if (!stream.GetRemaining(remaining)) return;
-    if (static_cast<std::uint64_t>(count) > remaining / frame::kLeastFrameBytes) {
-        SrThrow(SkBadStreamFormatErrC(), nullptr);
-    }
-}
-
 void ReadLayers(SmStream& stream, SmImagerImage& image, bool spooled, bool nativeBitmap) {
-    auto const count = stream.GetBigEndian<std::int32_t>();
-    CheckCount(stream, count);
     frame::ScFrameReader layers(stream, spooled, nativeBitmap);
+    std::int32_t const count = layers.ReadCount();
     for (std::int32_t i = 0; i < count; ++i)
         image.AddLayer(layers.Next().Get());
 }

@@ -25,8 +25,8 @@ FRAMEWRIGHT_EXPORT void SrPutImagerToStream(SmStream& stream, SmImagerImage* ima
 
 /// Reads what the former wrote into `image`: the layers are added to those that are there, the rest is
 /// replaced. `spooled` and `nativeBitmap` as for SrReadImagerFrameFromStream, whose errors are thrown here
-/// too. A number of layers that is negative, or that a stream of known length cannot hold, throws
-/// SkBadStreamFormatErrC() before anything is allocated for them; -108 comes of layers that together take
+/// too. A number of layers that is negative throws SkBadStreamFormatErrC(), and one that a stream of known
+/// length cannot hold -39, before anything is allocated for them; -108 comes of layers that together take
 /// more memory than SrGetFrameSizeLimit() beyond their bytes on the stream. A gamut of an unknown selector
 /// throws what ReadGamut does.
 ///

@@ -1,5 +1,6 @@
 // Tracks with media on a stream; the form is told in track_with_media.h.
 #include "framewright/frame/frame.h"
+#include "framewright/frame/frame_reader.h"
 #include "framewright/frame/frame_stream.h"
 #include "framewright/imagery/track_with_media.h"
 #include "framewright/media/media_manager.h"
@@ -20,20 +21,10 @@ void PutFrames(SmStream& stream, SmImagerTrackWithMedia& track) {
     }
 }
 
-std::int32_t GetFrameCount(SmStream& stream) {
-    auto const count = stream.GetBigEndian<std::int32_t>();
-    if (count < 0) SrThrow(SkBadStreamFormatErrC(), nullptr);
-    std::uint64_t remaining = 0;
-    bool const isKnown = stream.GetRemaining(remaining);
-    if (isKnown && static_cast<std::uint64_t>(count) > remaining / frame::kLeastFrameBytes)
-        SrThrow(SkEndOfFile(), nullptr);
-    return count;
-}
-
 void GetFrames(SmStream& stream, SmImagerTrackWithMedia& track) {
-    std::int32_t const count = GetFrameCount(stream);
-    track.SetNumberOfFrames(count);
     frame::ScFrameReader frames(stream, false, false);
+    std::int32_t const count = frames.ReadCount();
+    track.SetNumberOfFrames(count);
     for (std::int32_t i = 0; i < count; ++i)
         track.SetFrame(i, frames.Next().Get());
 }

@@ -1,5 +1,6 @@
 // Whole frames on a stream: the header, what a reader makes of it, and what it refuses.
 #include "framewright/frame/frame_limit.h"
+#include "framewright/frame/frame_reader.h"
 #include "framewright/frame/frame_stream.h"
 #include "framewright/frame/layer_factory.h"
 #include "framewright/pixel/dithered_layer.h"
