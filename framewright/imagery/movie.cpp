@@ -2,9 +2,11 @@
 
 #include "framewright/core/startup.h"
 #include "framewright/frame/frame.h"
+#include "framewright/imagery/frame_time.h"
 #include "framewright/imagery/image.h"
 #include "framewright/imagery/mipmap.h"
 #include "framewright/imagery/stereo.h"
+#include "framewright/imagery/stereo_codes.h"
 #include "framewright/thornmere/error.h"
 
 SR_DEPENDS_ON(SrInitMemory);

@@ -1,10 +1,8 @@
-// What tracks and movies share: an array of entries of which any may be missing, and the frame to show at a
-// time.
+// The array of entries that tracks and movies have, of which any may be missing.
 #pragma once
 
 #include <cstdint>
 
-#include "framewright/imagery/stereo.h"
 #include "framewright/thornmere/error.h"
 #include "framewright/thornmere/reference.h"
 #include "framewright/thornmere/vector.h"
@@ -47,20 +45,3 @@ class ScSequence {
 
     ScVector<StRef<T>> mEntries;
 };
-
-namespace imagery {
-
-constexpr StStereoArrangement kEyesAbove = 1;
-constexpr StStereoArrangement kEyesBeside = 2;
-constexpr StStereoArrangement kEyesAlternate = 4;
-constexpr StLeftOrRight kLeftEye = 1;
-constexpr StLeftOrRight kRightEye = 2;
-
-/// The number of the frame to show at a time, rounded down and not limited to any count. A hundred-thousandth
-/// of a frame is added, so that a time just short of a frame gives it. In single precision.
-long FrameNumberForTime(double seconds, float framesPerSecond);
-/// The same for a sequence of `duration` seconds that starts anew at its end, or runs back and forth: the
-/// time is folded into one duration first, in double precision. 0 for a sequence of no duration.
-long LoopedFrameNumberForTime(double seconds, float framesPerSecond, double duration, bool pingPong);
-
-}  // namespace imagery

@@ -1,20 +1,18 @@
 #include "framewright/imagery/stereo.h"
 
+#include "framewright/imagery/stereo_codes.h"
 #include "framewright/imagery/subframe.h"
 #include "framewright/imagery/updated.h"
 #include "framewright/thornmere/reference.h"
 
 namespace {
 
-enum { kEyesAbove = 1, kEyesBeside = 2, kLastArrangement = 5 };
-constexpr StLeftOrRight kRightEye = 2;
-
 /// The part of an axis that an eye takes.
 struct StEyeSpan {
     StEyeSpan(std::int32_t length, StLeftOrRight eye, long gap) {
         auto const between = static_cast<std::int32_t>(gap);
         long const half = (long{length} - between) / 2;
-        long const start = eye == kRightEye ? half + between : 0;
+        long const start = eye == imagery::kRightEye ? half + between : 0;
         first = static_cast<std::int32_t>(start);
         end = static_cast<std::int32_t>(start + half);
     }
@@ -40,13 +38,13 @@ StRef<SmImagerImage> NewImageLike(SmImagerImage& image) {
 
 SmImagerFrame* SrStereoSubframe(SmImagerFrame* frame, StStereoArrangement arrangement, StLeftOrRight eye,
                                 long gap) {
-    if (!frame || arrangement > kLastArrangement) return nullptr;
+    if (!frame || arrangement > imagery::kLastArrangement) return nullptr;
     StRect subrect = SrWholeRect(frame->GetSize());
-    if (arrangement == kEyesAbove) {
+    if (arrangement == imagery::kEyesAbove) {
         StEyeSpan const rows(subrect.bottom, eye, gap);
         subrect.top = rows.first;
         subrect.bottom = rows.end;
-    } else if (arrangement == kEyesBeside) {
+    } else if (arrangement == imagery::kEyesBeside) {
         StEyeSpan const columns(subrect.right, eye, gap);
         subrect.left = columns.first;
         subrect.right = columns.end;

@@ -4,8 +4,10 @@
 #include <memory>
 
 #include "framewright/frame/frame.h"
+#include "framewright/imagery/frame_time.h"
 #include "framewright/imagery/mipmap.h"
 #include "framewright/imagery/stereo.h"
+#include "framewright/imagery/stereo_codes.h"
 #include "framewright/thornmere/settings.h"
 
 SR_DEPENDS_ON(SrInitMemory);

@@ -7,7 +7,7 @@
 #include "framewright/media/media.h"
 #include "framewright/media/media_manager.h"
 #include "framewright/media/video_spec.h"
-#include "framewright/spool/scratch.h"
+#include "framewright/spool/scratch_list.h"
 #include "framewright/spool/t_name.h"
 
 namespace {

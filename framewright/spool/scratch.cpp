@@ -3,6 +3,7 @@
 #include <strings.h>
 
 #include "framewright/core/startup.h"
+#include "framewright/spool/scratch_list.h"
 #include "framewright/thornmere/error.h"
 
 SR_DEPENDS_ON(SrInitMemory);

@@ -41,10 +41,3 @@ FRAMEWRIGHT_EXPORT void SrAddScratchFolder(StFileSpec const& folder);
 /// The trap: a spool file that this process has in use is deleted like any other. Purge when the host starts,
 /// before it adds spool files.
 FRAMEWRIGHT_EXPORT void SrPurgeScratchFolder(StFileSpec const& folder);
-
-namespace spool {
-
-/// The list of folders.
-ScVector<StRef<SmScratchLocation>> const& ScratchLocations();
-
-}  // namespace spool

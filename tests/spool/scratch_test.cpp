@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "../thornmere/support.h"
+#include "framewright/spool/scratch_list.h"
 #include "framewright/spool/spool_manager.h"
 #include "framewright/thornmere/threads.h"
 

@@ -1,4 +1,4 @@
-#include "framewright/imagery/sequence.h"
+#include "framewright/imagery/frame_time.h"
 
 #include <cmath>
 
