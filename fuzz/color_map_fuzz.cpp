@@ -51,8 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     try {
         Run(data, size);
     } catch (std::exception const& exception) {
-        ScMessageClass* message = nullptr;
-        long const code = SrGetExceptionValues(exception, message);
+        long const code = CodeOf(exception);
         Check(code == SkEndOfFile() || code == SkBadFileVersionErrC() || code == SkBadFileFormatErrC());
     }
     return 0;

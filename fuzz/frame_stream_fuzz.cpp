@@ -96,9 +96,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         Run(data, size);
     } catch (std::exception const& exception) {
         if (gMade) gMade->ReleaseReference();
-        ScMessageClass* message = nullptr;
-        long const code = SrGetExceptionValues(exception, message);
-        bool const unknownType = message != nullptr;
+        bool unknownType = false;
+        long const code = CodeOf(exception, &unknownType);
         Check(code == SkEndOfFile() || code == SkMemoryFull() || code == SkBadStreamFormatErrC() ||
               unknownType);
     }

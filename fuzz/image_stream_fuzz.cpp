@@ -88,9 +88,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     try {
         Run(data, size);
     } catch (std::exception const& exception) {
-        ScMessageClass* message = nullptr;
-        long const code = SrGetExceptionValues(exception, message);
-        bool const unknownType = message != nullptr;
+        bool unknownType = false;
+        long const code = CodeOf(exception, &unknownType);
         Check(code == SkEndOfFile() || code == SkMemoryFull() || code == SkBadStreamFormatErrC() ||
               code == SkUnknownGamutError() || unknownType);
     }

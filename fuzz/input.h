@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 
 #include "framewright/thornmere/error.h"
 #include "framewright/thornmere/reference.h"
@@ -12,6 +13,14 @@
 
 inline void Check(bool condition) {
     if (!condition) std::abort();
+}
+
+/// The code of what a run threw; `hasMessage` says whether it came with one.
+inline long CodeOf(std::exception const& exception, bool* hasMessage = nullptr) {
+    ScMessageClass* message = nullptr;
+    long const code = SrGetExceptionValues(exception, message);
+    if (hasMessage) *hasMessage = message != nullptr;
+    return code;
 }
 
 /// A stream that only runs forward and does not know its length; the bytes are borrowed.
