@@ -96,6 +96,7 @@ void SmMediaRecognizerBmp::WriteFrame(ScMediaLocation* location, SmImagerFrame* 
     std::snprintf(info.typeText, sizeof info.typeText, "%s", kFileDescs[0].mExtension);
     media::StStreamUse stream(location, kFileReadWrite, info);
     bmp::WritePicture(GetOrThrow(stream), frame, resolution);
+    stream.EndFileHere();
     stream.Release();
 }
 

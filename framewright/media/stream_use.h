@@ -1,9 +1,14 @@
 // The stream of a location for as long as it is needed.
 #pragma once
 
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include "framewright/media/media_location.h"
+#include "framewright/thornmere/error.h"
+#include "framewright/thornmere/files.h"
+#include "framewright/thornmere/stream.h"
 
 namespace media {
 
@@ -23,6 +28,19 @@ class StStreamUse {
     }
     void Release() {
         if (SmStream* const stream = std::exchange(mStream, nullptr)) mLocation->ReleaseStream(stream);
+    }
+
+    /// Ends a file where the stream stands: what a longer one of that name had behind is no part of the new
+    /// one. Only for files that the location itself opened; a host's open stream may go on. -36 where the
+    /// file cannot be cut.
+    void EndFileHere() {
+        StFileSpec spec;
+        auto* const file = dynamic_cast<SmFileStream*>(mStream);
+        if (!file || !dynamic_cast<ScMediaFileLocation*>(mLocation) || !file->GetFileSpec(spec)) return;
+        if (file->GetPosition() >= file->GetLength()) return;
+        std::error_code error;
+        std::filesystem::resize_file(spec.GetPath(), file->GetPosition(), error);
+        if (error) SrThrow(SkInputOutput(), nullptr);
     }
 
     /// Null when there is none.

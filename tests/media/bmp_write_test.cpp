@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 
+#include "../thornmere/support.h"
 #include "bmp_file.h"
 #include "framewright/pixel/color_map.h"
 #include "framewright/pixel/mapped_layer.h"
@@ -182,6 +184,17 @@ TEST(BmpWrite, AClassDerivedFromAMappedLayer_IsAskedForItsColors) {
     Put(frame.Get(), 0, 0, 255, 255, 255);
     Bytes const bytes = Written(frame.Get());
     EXPECT_EQ(Bytes(bytes.begin() + 54, bytes.end()), (Bytes{255, 255, 0, 255}));
+}
+
+TEST(BmpWrite, OverALongerFile_NothingOfThatIsLeft) {
+    TemporaryFolder const folder;
+    std::string const path = folder.Path() + "/picture.bmp";
+    for (std::int32_t const rows : {20, 3}) {
+        ScMediaFileLocation location;
+        location.SetFullPath(path.c_str());
+        Recognizer()->WriteFrame(&location, Frame(rows, 4, SrCode("RG24")).Get(), 0, nullptr);
+        EXPECT_EQ(std::filesystem::file_size(path), 54u + static_cast<unsigned>(rows) * 12);
+    }
 }
 
 TEST(BmpWrite, RoundTrip_KeepsTheColors) {
